@@ -1,0 +1,36 @@
+// The exported functions: each obtains its controller and forwards.
+#include "CallLog.h"
+
+using NS_CALLLOG::CCallLogController;
+
+int CallLog_AddLog(const CallLogAddItemData& call) {
+  auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->AddLog(call) : -1;
+}
+
+int CallLog_UpdateLog(const CallLogUpdateData& contact) {
+  auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->UpdateLog(contact) : 0;
+}
+
+std::string CallLog_GetLastNewInCall() {
+  const auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->GetLastNewInCall() : std::string();
+}
+
+std::string CallLog_GetLastOutCall() {
+  const auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->GetLastOutCall() : std::string();
+}
+
+void RemoveMissedDirtyByNumber(const char* number) {
+  if (number == nullptr) return;
+  auto* const controller = CCallLogController::GetInstance();
+  if (controller != nullptr) controller->RemoveMissedDirtyByNumber(number);
+}
+
+void RemoveForwardDirtyByNumber(const char* number) {
+  if (number == nullptr) return;
+  auto* const controller = CCallLogController::GetInstance();
+  if (controller != nullptr) controller->RemoveForwardDirtyByNumber(number);
+}

@@ -1,0 +1,480 @@
+#include "CallLogModel.h"
+
+#include <tinyxml.h>
+
+#include <algorithm>
+#include <fstream>
+#include <new>
+
+#include "AccountManager.h"
+#include "CommonAPI.h"
+#include "CommonUnits.h"
+#include "ConfigParser.h"
+#include "Directory.h"
+#include "EtlMsgHandler.h"
+#include "EtlTrace.h"
+#include "HistoryDocument.h"
+#include "NewCallStatus.h"
+#include "Paths.h"
+#include "SettingTime.h"
+#include "ThreadTimer.h"
+#include "XmlReader.h"
+
+#include <rapidxml/rapidxml_print.hpp>
+
+using ETL_TraceHelper::etlTrace;
+
+namespace NS_CALLLOG {
+namespace {
+
+using ItemData = CCallLogModel::ItemData;
+
+constexpr int kAllTypes = 0;
+constexpr int kOutgoing = 1;
+constexpr int kMissed = 2;
+constexpr int kForwarded = 4;
+
+constexpr int kMaxRecordsPerType = 100;
+constexpr int kMaxNotifyRows = 21;
+constexpr int kPageTotal = 100;
+
+constexpr unsigned int kTimerMessage = 0x8113;
+constexpr unsigned int kSaveTimer = 90010;
+constexpr unsigned int kSaveDelay = 5000;  // milliseconds
+
+constexpr char kTimeSeparator[] = " ";
+
+bool IsInView(const ItemData& item, int type) { return type == kAllTypes || item.type == type; }
+
+bool IsViewType(int type) { return type >= kAllTypes && type <= kForwarded; }
+
+bool IsNew(const ItemData& item, int type) { return item.type == type && item.is_new; }
+
+const std::string& FirstNonEmpty(const std::string& first, const std::string& second) {
+  return first.empty() ? second : first;
+}
+
+// The name under which a party is shown: the contact's, else the one that came with the call, else
+// the number.
+std::string ChooseName(const std::string& number, const std::string& given) {
+  const std::string contact = Directory_GetContactNameByNumber(number.c_str());
+  return FirstNonEmpty(contact, FirstNonEmpty(given, number));
+}
+
+bool HasNumber(const CallLogUpdateData& contact, const std::string& number) {
+  return !number.empty() &&
+         (contact.number_1 == number || contact.number_2 == number || contact.number_3 == number);
+}
+
+std::string HistoryPath() {
+  std::string path = kConfigDirectory;
+  if (path.back() != '/') path += '/';
+  return path + kHistoryFileName;
+}
+
+// Clears the new mark of the records of `type` that `matches` takes; how many there were.
+template <class List, class Matches>
+int MarkSeen(const List& records, int type, Matches matches) {
+  int seen = 0;
+  for (const auto& item : records) {
+    if (!IsNew(*item, type) || !matches(*item)) continue;
+    item->is_new = false;
+    ++seen;
+  }
+  return seen;
+}
+
+bool AnyRecord(const ItemData& /*item*/) { return true; }
+
+struct HasRemoteNumber {
+  const std::string& number;
+  bool operator()(const ItemData& item) const { return item.remote_sip_name == number; }
+};
+
+// Tallies the new records of `type` by name, newest first. `fill` completes a row that is appended
+// for its first record; names beyond the room of one request are left out.
+template <class List, class Row, class Fill>
+void TallyNewCalls(const List& records, int type, std::list<Row>* rows, Fill fill) {
+  int added = 0;
+  for (const auto& item : records) {
+    if (!IsNew(*item, type)) continue;
+    const std::string& name = FirstNonEmpty(item->remote_display_name, item->remote_sip_name);
+    auto row = std::find_if(rows->begin(), rows->end(),
+                            [&](const Row& other) { return other.display_name == name; });
+    if (row == rows->end()) {
+      if (added == kMaxNotifyRows) continue;
+      ++added;
+      row = rows->emplace(rows->end());
+      row->display_name = name;
+      row->number = item->remote_sip_name;
+      fill(&*row, *item);
+    }
+    ++row->count;
+  }
+}
+
+}  // namespace
+
+void CCallLogModel::ItemData::Reset() {
+  local_sip_name.clear();
+  local_sip_server.clear();
+  remote_display_name.clear();
+  remote_sip_name.clear();
+  remote_sip_server.clear();
+  forward_sip_name.clear();
+  forward_sip_server.clear();
+  forward_display_name.clear();
+  key_string.clear();
+  type = born_tick = duration = 0;
+  is_new = false;
+}
+
+CCallLogModel::CCallLogModel() { MyInit(); }
+
+CCallLogModel::~CCallLogModel() { MyFinal(); }
+
+bool CCallLogModel::MyInit() { return MyLoadDataFromFile(); }
+
+bool CCallLogModel::MyFinal() {
+  m_listLog.clear();
+  return true;
+}
+
+// Store
+
+int CCallLogModel::AddLog(const CallLogAddItemData& call) {
+  if (configParser_GetConfigInt("HistorySavedSwitch") != 1) return -1;
+  if (call.type < kOutgoing || call.type > kForwarded) return -1;
+  if (call.type == kMissed) {
+    const std::string fullName = call.local_sip_name + "@" + call.local_sip_server;
+    const CAccount* account = CAccountManager::GetInstance()->GetAccountByFullName(fullName);
+    if (account != nullptr && !account->IsSaveMissCallLog()) return -1;
+  }
+
+  ItemData item;
+  item.type = call.type;
+  item.born_tick = call.born_tick;
+  item.duration = call.duration;
+  item.local_sip_name = call.local_sip_name;
+  item.local_sip_server = call.local_sip_server;
+  etlTrace(3, "--Call log, to add log remote name(%s) forward to number(%s), forward to name(%s)",
+           call.remote_display_name.c_str(), call.forward_sip_name.c_str(),
+           call.forward_display_name.c_str());
+  item.remote_display_name = ChooseName(call.remote_sip_name, call.remote_display_name);
+  item.remote_sip_name = call.remote_sip_name;
+  item.remote_sip_server = call.remote_sip_server;
+  item.forward_display_name = ChooseName(call.forward_sip_name, call.forward_display_name);
+  etlTrace(3, "--Call log: forwarder name is %s", item.forward_display_name.c_str());
+  item.forward_sip_name = call.forward_sip_name;
+  item.forward_sip_server = call.forward_sip_server;
+  item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
+  item.is_new = true;
+
+  const int result = MyInsertLog(item, true);
+  if (result >= 0) {
+    if (item.type == kMissed) MyAddMissedCall(1);
+    if (item.type == kForwarded) MyAddForwardedCall(1);
+    MyCheckStatus(item.type);
+  }
+  return result;
+}
+
+// Takes a record out; what was new about it no longer counts.
+CCallLogModel::LogList::iterator CCallLogModel::MyEraseLog(LogList::iterator position) {
+  if (IsNew(**position, kMissed)) {
+    MyAddMissedCall(-1);
+  } else if (IsNew(**position, kForwarded)) {
+    MyAddForwardedCall(-1);
+  }
+  return m_listLog.erase(position);
+}
+
+int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
+  LogList added;  // allocated first: the store stays as it is when there is no memory
+  try {
+    added.push_back(std::make_unique<ItemData>(item));
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+
+  int sameType = 0;
+  auto place = m_listLog.end();
+  for (auto it = m_listLog.begin(); it != m_listLog.end();) {
+    if ((*it)->type == item.type && ++sameType >= kMaxRecordsPerType) {
+      it = MyEraseLog(it);
+      continue;
+    }
+    if (place == m_listLog.end() && (*it)->born_tick < item.born_tick) place = it;
+    ++it;
+  }
+  m_listLog.splice(place, added);
+  if (setDirty) MySetDirty(true);
+  return 0;
+}
+
+bool CCallLogModel::UpdateLog(const CallLogUpdateData& contact) {
+  bool changed = false;
+  for (const auto& item : m_listLog) {
+    if (HasNumber(contact, item->remote_sip_name)) {
+      item->remote_display_name = FirstNonEmpty(contact.display_name, item->remote_sip_name);
+      changed = true;
+    }
+    // The file holds no forward names, so a new one alone is nothing to save.
+    if (item->type == kForwarded && HasNumber(contact, item->forward_sip_name)) {
+      item->forward_display_name = FirstNonEmpty(contact.display_name, item->forward_sip_name);
+    }
+  }
+  if (changed) MySetDirty(true);
+  return true;
+}
+
+bool CCallLogModel::RemoveLog(int type, int index) {
+  int row = -1;
+  for (auto it = m_listLog.begin(); it != m_listLog.end(); ++it) {
+    if (!IsInView(**it, type) || ++row != index) continue;
+    MyEraseLog(it);
+    MyCheckStatus(type);
+    MySetDirty(true);
+    return true;
+  }
+  return false;
+}
+
+bool CCallLogModel::RemoveLogList(int type, const std::list<int>& indexes) {
+  std::list<int> pending = indexes;
+  bool removed = false;
+  int row = -1;
+  for (auto it = m_listLog.begin(); it != m_listLog.end() && !pending.empty();) {
+    const bool inView = IsInView(**it, type);
+    if (inView) ++row;
+    const auto wanted = inView ? std::find(pending.begin(), pending.end(), row) : pending.end();
+    if (wanted == pending.end()) {
+      ++it;
+    } else {
+      it = MyEraseLog(it);
+      pending.erase(wanted);
+      removed = true;
+    }
+  }
+  MyCheckStatus(type);
+  if (removed) MySetDirty(true);
+  return true;
+}
+
+bool CCallLogModel::RemoveAllLogs(int type) {
+  MyClearLogListByType(type);
+  if (type == kMissed || type == kAllTypes) MyClearMissedList();
+  if (type == kForwarded || type == kAllTypes) MyClearForwardedList();
+  MySetDirty(true);
+  return true;
+}
+
+void CCallLogModel::MyClearLogListByType(int type) {
+  m_listLog.remove_if([type](const auto& item) { return IsInView(*item, type); });
+}
+
+// History file
+
+void CCallLogModel::MySetDirty(bool bDirty) {
+  if (m_bDirty == bDirty) return;
+  m_bDirty = bDirty;
+  if (m_bDirty) timerSetThreadTimer(kSaveTimer, kSaveDelay);
+}
+
+bool CCallLogModel::MyGetDirty() const { return m_bDirty; }
+
+bool CCallLogModel::HandleTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg) {
+  if (msg.message != kTimerMessage || msg.wParam != kSaveTimer) return false;
+  return SaveToFile();
+}
+
+bool CCallLogModel::SaveToFile() {
+  if (!MyGetDirty()) return false;
+  timerKillThreadTimer(kSaveTimer);
+  etlTrace(3, "--Call log: save call log file begin.");
+  rapidxml::xml_document<> document;
+  rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
+  for (const auto& item : m_listLog) AppendHistoryItem(&document, root, *item);
+  std::ofstream file(HistoryPath(), std::ios::out | std::ios::trunc);
+  file << document;
+  document.clear();
+  etlTrace(3, "--Call log: save call log file end.");
+  MySetDirty(false);
+  return true;
+}
+
+bool CCallLogModel::MyLoadDataFromFile() {
+  TiXmlDocument document;
+  if (!LoadXmlFile(&document, HistoryPath())) return false;
+  TiXmlElement* const root = document.FirstChildElement(kHistoryRoot);
+  if (root == nullptr) return false;
+  bool complete = true;
+  ItemData item;
+  for (TiXmlElement* element = root->FirstChildElement(kHistoryItem); element != nullptr;
+       element = element->NextSiblingElement(kHistoryItem)) {
+    item.Reset();
+    ReadHistoryItem(element, &item);
+    if (MyInsertLog(item, false) < 0) complete = false;
+  }
+  return complete;
+}
+
+// Notifications
+
+bool CCallLogModel::MyAddMissedCall(int nAdd) {
+  m_nMissedCount = std::max(0, m_nMissedCount + nAdd);
+  return true;
+}
+
+bool CCallLogModel::MyAddForwardedCall(int nAdd) {
+  m_nForwardCount = std::max(0, m_nForwardCount + nAdd);
+  return true;
+}
+
+int CCallLogModel::MyGetMissedCount() const { return m_nMissedCount; }
+
+int CCallLogModel::MyGetForwardCount() const { return m_nForwardCount; }
+
+void CCallLogModel::MyClearMissedList() {
+  etlTrace(3, "--Call log: begin to clear missed notify list.");
+  MarkSeen(m_listLog, kMissed, AnyRecord);
+  m_nMissedCount = 0;
+  MyCheckStatus(kMissed);
+}
+
+void CCallLogModel::MyClearForwardedList() {
+  etlTrace(3, "--Call log: begin to clear forward notify list.");
+  MarkSeen(m_listLog, kForwarded, AnyRecord);
+  m_nForwardCount = 0;
+  MyCheckStatus(kForwarded);
+}
+
+void CCallLogModel::RemoveMissedDirtyByNumber(const std::string& strNumber) {
+  MyAddMissedCall(-MarkSeen(m_listLog, kMissed, HasRemoteNumber{strNumber}));
+  MyCheckStatus(kMissed);
+}
+
+void CCallLogModel::RemoveForwardDirtyByNumber(const std::string& strNumber) {
+  MyAddForwardedCall(-MarkSeen(m_listLog, kForwarded, HasRemoteNumber{strNumber}));
+  MyCheckStatus(kForwarded);
+}
+
+// A call stops being new when its list is opened or its number is dealt with, not here.
+void CCallLogModel::ResetMissedCall() {}
+
+void CCallLogModel::ResetForwardedCall() {}
+
+void CCallLogModel::MyCheckStatus(int type) {
+  if (type == kMissed || type == kAllTypes) PublishMissedCount(MyGetMissedCount());
+  if (type == kForwarded || type == kAllTypes) PublishForwardedCount(MyGetForwardCount());
+}
+
+bool CCallLogModel::GetMissedNotifyList(MissedNotifyListData* pData) const {
+  if (pData == nullptr) return false;
+  etlTrace(3, "--Call log: begin to get missed notify list");
+  TallyNewCalls(m_listLog, kMissed, &pData->items, [](MissedCallData*, const ItemData&) {});
+  etlTrace(3, "--Call log: get missed count is %d", static_cast<int>(pData->items.size()));
+  return true;
+}
+
+bool CCallLogModel::GetForwardedNotifyList(ForwardedNotifyList* pData) const {
+  if (pData == nullptr) return false;
+  TallyNewCalls(
+      m_listLog, kForwarded, &pData->items, [](ForwardedCallData* row, const ItemData& item) {
+        row->forward_display_name = FirstNonEmpty(item.forward_display_name, item.forward_sip_name);
+      });
+  return true;
+}
+
+// Views
+
+bool CCallLogModel::GetLogListByType(CallLogSimpleListData* list, int type) {
+  etlTrace(3, "--Call log, get %d log list.", type);
+  if (list == nullptr || !IsViewType(type)) return false;
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, list->request_index, list->request_count,
+                                   kPageTotal)) {
+    return false;
+  }
+  int row = -1;
+  for (const auto& item : m_listLog) {
+    if (!IsInView(*item, type)) continue;
+    ++row;
+    if (row < from || row >= to) continue;
+    CallLogSimpleData data;
+    MyID2CLSD(&data, *item);
+    list->items.push_back(data);
+  }
+  if (type == kMissed || type == kAllTypes) MyClearMissedList();
+  if (type == kForwarded || type == kAllTypes) MyClearForwardedList();
+  list->total = row + 1;
+  return true;
+}
+
+bool CCallLogModel::GetLogDetailByIndex(CallLogDetailData* detail, int type, int index) const {
+  if (detail == nullptr || !IsViewType(type) || index < 0) return false;
+  int row = -1;
+  for (const auto& item : m_listLog) {
+    if (IsInView(*item, type) && ++row == index) return MyID2CLDD(detail, *item);
+  }
+  return false;
+}
+
+bool CCallLogModel::MyID2CLSD(CallLogSimpleData* row, const ItemData& item) const {
+  if (row == nullptr) return false;
+  row->display_name = FirstNonEmpty(item.remote_display_name, item.remote_sip_name);
+  row->time_text = Setting_CallLogTime2String(item.born_tick, kTimeSeparator);
+  row->type = item.type;
+  return true;
+}
+
+bool CCallLogModel::MyID2CLDD(CallLogDetailData* detail, const ItemData& item) const {
+  if (detail == nullptr) return false;
+  detail->display_name = item.remote_display_name;
+  detail->number = item.remote_sip_name;
+  detail->server = item.remote_sip_server;
+  detail->time_text = Setting_Time2String(item.born_tick, kTimeSeparator);
+  detail->duration_text = MyGenDurationString(item.duration);
+  detail->image_path = Directory_GetContactImageByNumber(item.remote_sip_name.c_str(), "");
+  detail->type = item.type;
+  return true;
+}
+
+std::string CCallLogModel::MyGenDurationString(int seconds) const {
+  if (seconds < 0) return {};
+  return CommonAPI_FormatString("%02d:%02d:%02d", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+std::string CCallLogModel::GetImagePathByType(int type) const {
+  static constexpr const char* kFileNames[] = {"general_outgoing.png", "general_missed.png",
+                                               "general_recieved.png", "general_forwarded.png"};
+  if (type < kOutgoing || type > kForwarded) return {};
+  return std::string(kIconDirectory) + kFileNames[type - kOutgoing];
+}
+
+std::string CCallLogModel::GetLastNewInCall() const {
+  for (const auto& item : m_listLog) {
+    if (item->type != kOutgoing) return item->remote_sip_name;
+  }
+  return {};
+}
+
+std::string CCallLogModel::GetLastOutCall() const {
+  for (const auto& item : m_listLog) {
+    if (item->type == kOutgoing) return item->remote_sip_name;
+  }
+  return {};
+}
+
+int CCallLogModel::GetLastOutCallAccounId() {
+  for (const auto& item : m_listLog) {
+    if (item->type != kOutgoing) continue;
+    const CAccount* account =
+        CAccountManager::GetInstance()->GetAccountBySIPName(item->local_sip_name);
+    if (account != nullptr && account->IsAccountUsable()) return account->GetAccountId();
+  }
+  return -1;
+}
+
+}  // namespace NS_CALLLOG

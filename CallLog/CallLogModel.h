@@ -1,0 +1,100 @@
+// The local call history: the store of calls, newest first, with its file, its notifications and
+// the views that the UI sees.
+#pragma once
+
+#include <list>
+#include <memory>
+#include <string>
+
+#include "CallLogRecords.h"
+
+namespace ETL_MsgQueueHelper {
+class msgObject;
+}
+
+namespace NS_CALLLOG {
+
+class CCallLogModel {
+ public:
+  // One stored call.
+  class ItemData {
+   public:
+    std::string local_sip_name;
+    std::string local_sip_server;
+    std::string remote_display_name;
+    std::string remote_sip_name;
+    std::string remote_sip_server;
+    std::string forward_sip_name;
+    std::string forward_sip_server;
+    std::string forward_display_name;
+    std::string key_string;  // key-pad form of the name that the record was built with
+    int type;                // 1 to 4; a damaged file can bring in any other
+    int born_tick;
+    int duration;
+    bool is_new;  // added in this run and not yet seen
+
+    ItemData() { Reset(); }
+    void Reset();
+  };
+
+  CCallLogModel();
+  ~CCallLogModel();
+  CCallLogModel(const CCallLogModel&) = delete;
+  CCallLogModel& operator=(const CCallLogModel&) = delete;
+
+  int AddLog(const CallLogAddItemData& call);
+  bool UpdateLog(const CallLogUpdateData& contact);
+  bool RemoveLog(int type, int index);
+  bool RemoveLogList(int type, const std::list<int>& indexes);
+  bool RemoveAllLogs(int type);
+
+  bool SaveToFile();
+  bool HandleTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg);
+
+  bool GetMissedNotifyList(MissedNotifyListData* pData) const;
+  bool GetForwardedNotifyList(ForwardedNotifyList* pData) const;
+  void ResetMissedCall();
+  void ResetForwardedCall();
+  void RemoveMissedDirtyByNumber(const std::string& strNumber);
+  void RemoveForwardDirtyByNumber(const std::string& strNumber);
+
+  bool GetLogListByType(CallLogSimpleListData* list, int type);
+  bool GetLogDetailByIndex(CallLogDetailData* detail, int type, int index) const;
+  std::string GetImagePathByType(int type) const;
+  std::string GetLastNewInCall() const;
+  std::string GetLastOutCall() const;
+  int GetLastOutCallAccounId();
+
+ private:
+  using LogList = std::list<std::unique_ptr<ItemData>>;
+
+  bool MyInit();
+  bool MyFinal();
+
+  int MyInsertLog(const ItemData& item, bool setDirty);
+  void MyClearLogListByType(int type);
+  LogList::iterator MyEraseLog(LogList::iterator position);
+
+  bool MyLoadDataFromFile();
+  void MySetDirty(bool bDirty);
+  bool MyGetDirty() const;
+
+  bool MyAddMissedCall(int nAdd);
+  bool MyAddForwardedCall(int nAdd);
+  int MyGetMissedCount() const;
+  int MyGetForwardCount() const;
+  void MyClearMissedList();
+  void MyClearForwardedList();
+  void MyCheckStatus(int type);
+
+  bool MyID2CLSD(CallLogSimpleData* row, const ItemData& item) const;
+  bool MyID2CLDD(CallLogDetailData* detail, const ItemData& item) const;
+  std::string MyGenDurationString(int seconds) const;
+
+  LogList m_listLog;  // all types, by born_tick, newest first; no entry is null
+  int m_nMissedCount = 0;
+  int m_nForwardCount = 0;
+  bool m_bDirty = false;
+};
+
+}  // namespace NS_CALLLOG

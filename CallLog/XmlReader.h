@@ -1,0 +1,27 @@
+// The one way in which the module reads an XML file. It stands in front of TinyXML, which does harm
+// when it is handed what nobody has checked: it recurses per element, searches attributes one by
+// one, and steps over a cut UTF-8 character and past its buffer.
+#pragma once
+
+#include <string>
+
+class TiXmlDocument;
+
+namespace NS_CALLLOG {
+
+// Most levels of elements, and most attributes of one element, that a document may have.
+inline constexpr int kMaxXmlDepth = 64;
+inline constexpr int kMaxXmlAttributes = 64;
+
+// Loads the file at `path` into the new `document`. False when it cannot be loaded: no regular
+// file, not readable, out of memory, not well-formed, or beyond the limits above. A document
+// without a root element can be loaded. Malformed UTF-8 and characters that XML forbids arrive as
+// U+FFFD.
+bool LoadXmlFile(TiXmlDocument* document, const std::string& path);
+
+// Turns the bytes of a document into what TinyXML can be handed safely: UTF-8, elements, attributes
+// and text alone, within the limits. False when the document cannot be loaded. `plain` is empty
+// when the document has no element.
+bool ToPlainXml(const std::string& bytes, std::string* plain);
+
+}  // namespace NS_CALLLOG

@@ -1,0 +1,99 @@
+// The local call history, as the UI's pages, idle screen and start-up code reach it.
+#pragma once
+
+#include <list>
+#include <memory>
+#include <string>
+
+#include "CallLogExport.h"
+#include "CallLogRecords.h"
+
+namespace ETL_MsgQueueHelper {
+class msgObject;
+}
+
+namespace NS_CALLLOG {
+
+class CCallLogModel;
+
+// One per process. An `action` below is a click action such as "OpenSubPage(call_log_2)": the
+// number behind "call_log_" is the call type. An operation that takes one returns 0 when the action
+// carries no such id. A row is the position in the list of that type, from 0, newest call first.
+class CCallLogController {
+ public:
+  // The controller. The first call creates it, loads the history file and registers for message
+  // 0x8113.
+  CALLLOG_EXPORT static CCallLogController* GetInstance();
+
+  // Destroys the controller and the history in memory, without saving: call SaveToFile() first to
+  // keep the changes of the last 5 seconds.
+  CALLLOG_EXPORT static void ReleaseInstance();
+
+  // Handler of the thread-timer message 0x8113. 1 when it saved the history; 0 for another message
+  // or timer, when there was nothing to save, and when there is no controller.
+  CALLLOG_EXPORT static int OnMessage(ETL_MsgQueueHelper::msgObject& msg);
+
+  // Fills one page of a list; type 0 lists all calls. The new missed calls count as seen once the
+  // missed list or the list of all calls was filled, the forwarded ones likewise, whatever the
+  // page. 1 when filled. 0: null page, a type beyond 4, or a request_index and request_count
+  // refused by the platform; the page is untouched then and nothing counts as seen.
+  CALLLOG_EXPORT int GetLogListByClickAction(CallLogSimpleListData* page,
+                                             const std::string& action) const;
+
+  // Fills the detail of one call. 1 when filled; 0 for a null detail, a type beyond 4, or no such
+  // row.
+  CALLLOG_EXPORT int GetLogDetailByClickAction(CallLogDetailData* detail, const std::string& action,
+                                               int row) const;
+
+  // Removes one call. 1 when removed; 0 when there is no such row.
+  CALLLOG_EXPORT int RemoveLog(const std::string& action, int row);
+
+  // Removes several calls, their rows as they stood before, in any order; rows that do not exist
+  // and repetitions are passed over. 1.
+  CALLLOG_EXPORT int RemoveLogList(const std::string& action, const std::list<int>& rows);
+
+  // Removes every call of the type, every call for 0, and saves later even when there was none. 1.
+  CALLLOG_EXPORT int RemoveAllLogsByClickAction(const std::string& action);
+
+  // As CallLog_GetLastNewInCall and CallLog_GetLastOutCall.
+  CALLLOG_EXPORT std::string GetLastNewInCall() const;
+  CALLLOG_EXPORT std::string GetLastOutCall() const;
+
+  // Path of the icon of a call type, under /phone/resource/default/; empty for any but 1 to 4.
+  CALLLOG_EXPORT std::string GetImagePathByType(int type) const;
+
+  // As CallLog_AddLog and CallLog_UpdateLog.
+  CALLLOG_EXPORT int AddLog(const CallLogAddItemData& call);
+  CALLLOG_EXPORT int UpdateLog(const CallLogUpdateData& contact);
+
+  // Writes the history file now if anything changed since the last save. 1 when it was written,
+  // also when the disk refused it (nothing reports that); 0 when there was nothing to write.
+  CALLLOG_EXPORT int SaveToFile();
+
+  // Append the new missed (forwarded) calls by caller; nothing counts as seen by it. 1; 0 for null.
+  CALLLOG_EXPORT int GetMissedNotifyList(MissedNotifyListData* list) const;
+  CALLLOG_EXPORT int GetForwardedNotifyList(ForwardedNotifyList* list) const;
+
+  // Without effect: a call stops being new when its list is opened, when it is removed, or through
+  // the two functions below.
+  CALLLOG_EXPORT void ResetMissedCall();
+  CALLLOG_EXPORT void ResetForwardedCall();
+
+  // As the exported functions of these names. An empty number is compared like any other.
+  CALLLOG_EXPORT void RemoveMissedDirtyByNumber(const std::string& number);
+  CALLLOG_EXPORT void RemoveForwardDirtyByNumber(const std::string& number);
+
+  ~CCallLogController();
+  CCallLogController(const CCallLogController&) = delete;
+  CCallLogController& operator=(const CCallLogController&) = delete;
+
+ private:
+  CCallLogController();
+  bool MyInit();
+  bool MyFinal();
+
+  static std::unique_ptr<CCallLogController> m_pInst;
+  std::unique_ptr<CCallLogModel> m_pModel;
+};
+
+}  // namespace NS_CALLLOG
