@@ -1,0 +1,87 @@
+#include "Desktop.h"
+
+#include <cassert>
+#include <utility>
+
+#include "ConfigParser.h"
+#include "NetStatus.h"
+#include "TalkLogic.h"
+#include "Text.h"
+
+namespace desk {
+namespace {
+
+Desktop* current = nullptr;
+
+}  // namespace
+
+Desktop::Desktop(const Profile& profile, std::unique_ptr<Clock> clock)
+    : clock_(std::move(clock)),
+      accounts(profile.accounts),
+      contacts(profile.contacts),
+      config(profile.config),
+      networkUp(profile.network_up),
+      hasMenu(profile.has_menu) {
+  assert(current == nullptr);
+  current = this;
+}
+
+Desktop::~Desktop() { current = nullptr; }
+
+Desktop& Desktop::Current() {
+  assert(current != nullptr);
+  return *current;
+}
+
+void Desktop::RunDue() {
+  do {
+    timers.FireDue();
+  } while (loop.Deliver() > 0);
+}
+
+void Desktop::PowerCycle() {
+  loop.Clear();
+  timers.Clear();
+  display = Display();
+  dialRequests.clear();
+  journal.Add("power-cycle");
+}
+
+void Desktop::Advance(Milliseconds span) {
+  ManualClock& time = *manualClock();
+  const Milliseconds end = time.Monotonic() + span;
+  RunDue();
+  for (auto next = timers.NextDue(); next && *next <= end; next = timers.NextDue()) {
+    time.Advance(*next - time.Monotonic());
+    RunDue();
+  }
+  time.Advance(end - time.Monotonic());
+}
+
+}  // namespace desk
+
+using desk::Desktop;
+
+int configParser_GetConfigInt(const char* key) {
+  const auto& config = Desktop::Current().config;
+  const auto found = key != nullptr ? config.find(key) : config.end();
+  return found != config.end() ? found->second : 0;
+}
+
+int netGetNetworkSta() {
+  constexpr int kAvailable = 2;
+  return Desktop::Current().networkUp ? kAvailable : 0;
+}
+
+bool talkLogic_CallOut(const std::string& number, const std::string& name, int accountId) {
+  Desktop::Current().dialRequests.push_back({number, name, accountId, true});
+  Desktop::Current().journal.Add("call-out " + number + " " + name +
+                                 desk::Format(" account %d", accountId));
+  return true;
+}
+
+void talkLogic_EnterDialUI(const std::string& number, int accountId, bool editable) {
+  Desktop::Current().dialRequests.push_back({number, {}, accountId, false});
+  Desktop::Current().journal.Add("dial-screen " + number +
+                                 desk::Format(" account %d editable %d", accountId, editable));
+}

@@ -1,0 +1,71 @@
+// One desktop phone's platform: everything that stands behind the declarations of platform/. One
+// exists at a time; the platform's functions act on it.
+#pragma once
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "Accounts.h"
+#include "Clock.h"
+#include "Contacts.h"
+#include "Display.h"
+#include "Journal.h"
+#include "MessageLoop.h"
+#include "Profile.h"
+#include "ThreadTimers.h"
+#include "Trace.h"
+
+namespace desk {
+
+// A call attempt, or a number put into the dial screen.
+struct DialRequest {
+  std::string number;
+  std::string name;
+  int accountId = -1;  // -1: the default account
+  bool dialled = true;
+};
+
+class Desktop {
+ public:
+  Desktop(const Profile& profile, std::unique_ptr<Clock> clock);
+  ~Desktop();
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  static Desktop& Current();
+
+  // Fires the timers that are due and delivers what is posted, until there is nothing left to do
+  // now.
+  void RunDue();
+
+  // What a reboot does to the platform: settings and contacts stay; the queue, handlers, timers and
+  // everything that the phone shows are gone. The module must have been released before.
+  void PowerCycle();
+
+  // For a manual clock: moves it by `span`, stopping at each timer on the way, as if the phone had
+  // been left alone for that long.
+  void Advance(Milliseconds span);
+
+ private:
+  const std::unique_ptr<Clock> clock_;
+
+ public:
+  Journal journal;
+  MessageLoop loop{journal};
+  ThreadTimers timers{journal, loop, *clock_};
+  Trace trace{journal};
+  Display display;
+  Accounts accounts;
+  Contacts contacts;
+  std::map<std::string, int> config;
+  std::list<DialRequest> dialRequests;
+  bool networkUp = true;
+  bool hasMenu = true;
+
+  const Clock& clock() const { return *clock_; }
+  ManualClock* manualClock() const { return dynamic_cast<ManualClock*>(clock_.get()); }
+};
+
+}  // namespace desk

@@ -1,0 +1,53 @@
+#include "Display.h"
+
+#include "Backlight.h"
+#include "CommonUnits.h"
+#include "Desktop.h"
+#include "LedLamp.h"
+#include "MenuTitle.h"
+#include "Text.h"
+
+using desk::Desktop;
+
+namespace {
+
+void Switch(std::set<int>& events, int event, bool on, const char* name) {
+  if (on) {
+    events.insert(event);
+  } else {
+    events.erase(event);
+  }
+  Desktop::Current().journal.Add(desk::Format("%s %d %s", name, event, on ? "on" : "off"));
+}
+
+class DesktopMenuTitleManager : public NS_MENU::CMenuTitleManager {};
+
+}  // namespace
+
+void CommonUnits_AddStatus(int id, const std::string& text) {
+  Desktop::Current().display.statuses[id] = text;
+  Desktop::Current().journal.Add(desk::Format("status %d ", id) + text);
+}
+
+void CommonUnits_RemoveStatus(int id) {
+  Desktop::Current().display.statuses.erase(id);
+  Desktop::Current().journal.Add(desk::Format("status %d off", id));
+}
+
+void ledlamp::ledlamp_PostEvent(LAMP_EVENTTYPE event, bool on) {
+  Switch(Desktop::Current().display.ledEvents, event, on, "led");
+}
+
+void backlight_RegisterEvent(BACK_LIGHT_TYPE type, bool on) {
+  Switch(Desktop::Current().display.backlightEvents, type, on, "backlight");
+}
+
+NS_MENU::CMenuTitleManager* NS_MENU::CMenuTitleManager::GetInstance() {
+  static DesktopMenuTitleManager manager;
+  return Desktop::Current().hasMenu ? &manager : nullptr;
+}
+
+void NS_MENU::CMenuTitleManager::SetTitle(const std::string& action, const std::string& title) {
+  Desktop::Current().display.menuTitles[action] = title;
+  Desktop::Current().journal.Add("title " + action + " " + title);
+}

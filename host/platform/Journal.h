@@ -1,0 +1,28 @@
+// What the platform was asked to do, in order, one line each: the desktop phone shows it, tests
+// read orders from it. Keeps the newest lines only, so that it can run for months.
+#pragma once
+
+#include <deque>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace desk {
+
+class Journal {
+ public:
+  static constexpr std::size_t kCapacity = 10000;
+
+  void Add(std::string line);  // any thread
+
+  std::vector<std::string> Lines() const;
+  // The lines that begin with one of the prefixes, such as "status" or "led".
+  std::vector<std::string> LinesOf(const std::vector<std::string>& prefixes) const;
+  void Clear();
+
+ private:
+  mutable std::mutex mutex_;
+  std::deque<std::string> lines_;
+};
+
+}  // namespace desk

@@ -1,0 +1,34 @@
+// The desktop phone's profile: what the phone is set up with, as its TOML file says. Address books
+// that the file refers to are read by VCard.h.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Accounts.h"
+#include "Contacts.h"
+
+namespace desk {
+
+struct Profile {
+  std::string timezone;               // TZ value; empty: the machine's
+  std::map<std::string, int> config;  // by configuration key
+  std::vector<Account> accounts;
+  std::vector<Contact> contacts;
+  bool network_up = true;
+  bool has_menu = true;
+};
+
+// what() is one line, "FILE:LINE: reason", or "FILE: reason" for a file that cannot be read.
+class ProfileError : public std::runtime_error {
+ public:
+  explicit ProfileError(const std::string& message);
+};
+
+// Throws ProfileError for everything that is wrong in `file` or in its address book.
+Profile LoadProfile(const std::filesystem::path& file);
+
+}  // namespace desk

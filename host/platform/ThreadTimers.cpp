@@ -1,0 +1,54 @@
+#include "ThreadTimers.h"
+
+#include <algorithm>
+
+#include "Desktop.h"
+#include "Journal.h"
+#include "MessageLoop.h"
+#include "Text.h"
+#include "ThreadTimer.h"
+
+namespace desk {
+namespace {
+
+template <class Map>
+auto Earliest(Map& due) {
+  return std::min_element(due.begin(), due.end(),
+                          [](const auto& a, const auto& b) { return a.second < b.second; });
+}
+
+}  // namespace
+
+bool ThreadTimers::Set(unsigned int id, Milliseconds delay) {
+  due_[id] = clock_.Monotonic() + delay;
+  journal_.Add(Format("timer %u set %lld", id, static_cast<long long>(delay.count())));
+  return true;
+}
+
+bool ThreadTimers::Kill(unsigned int id) {
+  journal_.Add(Format("timer %u kill", id));
+  return due_.erase(id) > 0;
+}
+
+std::optional<Milliseconds> ThreadTimers::NextDue() const {
+  const auto next = Earliest(due_);
+  if (next == due_.end()) return std::nullopt;
+  return next->second;
+}
+
+void ThreadTimers::FireDue() {
+  for (auto next = Earliest(due_); next != due_.end(); next = Earliest(due_)) {
+    if (next->second > clock_.Monotonic()) return;
+    const unsigned int id = next->first;
+    due_.erase(next);
+    loop_.Post({kTimerMessage, id, 0, {}});
+  }
+}
+
+}  // namespace desk
+
+bool timerSetThreadTimer(unsigned int id, unsigned int milliseconds) {
+  return desk::Desktop::Current().timers.Set(id, desk::Milliseconds(milliseconds));
+}
+
+bool timerKillThreadTimer(unsigned int id) { return desk::Desktop::Current().timers.Kill(id); }
