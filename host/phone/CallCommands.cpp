@@ -1,0 +1,109 @@
+// Commands that bring calls in: what the talk logic and the directory of a phone would report.
+#include <climits>
+
+#include "CallImport.h"
+#include "CallLog.h"
+#include "CallType.h"
+#include "Commands.h"
+#include "TimeInput.h"
+
+namespace desk {
+namespace {
+
+// SIP account the call went through: the one named, else the phone's first.
+Account AccountOf(Phone& phone, const std::string& fullName) {
+  if (!fullName.empty()) {
+    const std::size_t at = fullName.rfind('@');
+    if (at == std::string::npos) throw CommandError("an account is USER@SERVER");
+    return {0, fullName.substr(0, at), fullName.substr(at + 1)};
+  }
+  const auto& accounts = phone.platform().accounts.All();
+  return accounts.empty() ? Account() : accounts.front();
+}
+
+int CallTime(Phone& phone, Arguments& arguments) {
+  std::time_t time = phone.platform().clock().Wall();
+  if (arguments.HasOption("at")) time = ParseLocalTime(arguments.Option("at"));
+  if (arguments.HasOption("ago")) {
+    time -= std::chrono::duration_cast<std::chrono::seconds>(ParseSpan(arguments.Option("ago")))
+                .count();
+  }
+  if (time > INT_MAX || time < INT_MIN) throw CommandError("the time does not fit into 32 bits");
+  return static_cast<int>(time);
+}
+
+void Call(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions(
+      {"name", "server", "account", "duration", "at", "ago", "to", "to-name", "to-server"});
+  CallLogAddItemData call;
+  call.type = ParseCallType(arguments.Word("the call type"));
+  call.remote_sip_name = arguments.Word("the number");
+  arguments.Done();
+  const Account account = AccountOf(phone, arguments.Option("account"));
+  call.local_sip_name = account.name;
+  call.local_sip_server = account.server;
+  call.born_tick = CallTime(phone, arguments);
+  call.duration = ParseInt(arguments.Option("duration", "0"), "the duration");
+  call.remote_display_name = arguments.Option("name");
+  call.remote_sip_server = arguments.Option("server", account.server);
+  call.forward_sip_name = arguments.Option("to");
+  call.forward_display_name = arguments.Option("to-name");
+  call.forward_sip_server =
+      arguments.Option("to-server", call.forward_sip_name.empty() ? "" : account.server);
+  if (CallLog_AddLog(call) != 0) {
+    phone.out() << "  refused: type, switched-off history, or an account without missed calls\n";
+  }
+}
+
+// Tells the module what a phone's directory tells it: up to three numbers at a time.
+void ReportRenamed(const std::vector<std::string>& numbers, const std::string& name) {
+  for (std::size_t i = 0; i < numbers.size(); i += 3) {
+    CallLogUpdateData update;
+    update.display_name = name;
+    update.number_1 = numbers[i];
+    if (i + 1 < numbers.size()) update.number_2 = numbers[i + 1];
+    if (i + 2 < numbers.size()) update.number_3 = numbers[i + 2];
+    CallLog_UpdateLog(update);
+  }
+}
+
+void Rename(Phone& phone, Arguments& arguments) {
+  const std::string number = arguments.Word("a number of the contact");
+  const std::string name = arguments.WordOr("");
+  arguments.Done();
+  Contacts& contacts = phone.platform().contacts;
+  std::vector<std::string> numbers = {number};
+  if (const Contact* contact = contacts.FindByNumber(number)) numbers = contact->numbers;
+  contacts.Rename(number, name);
+  ReportRenamed(numbers, name);
+  phone.out() << "  " << numbers.size() << (numbers.size() == 1 ? " number" : " numbers")
+              << (name.empty() ? " without a name now\n" : " renamed\n");
+}
+
+void Import(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions({"server"});
+  CallImport import;
+  import.file = arguments.Word("the file");
+  import.extension = arguments.Word("the extension");
+  import.server = arguments.Option("server", AccountOf(phone, "").server);
+  arguments.Done();
+  import.Run(phone);
+}
+
+}  // namespace
+
+CommandGroup CallCommands() {
+  return {"Calls that come in",
+          {
+              {"call",
+               "TYPE NUMBER [name=N] [duration=SECONDS] [ago=SPAN | at=TIME] [account=USER@SERVER] "
+               "[server=S] [to=NUMBER] [to-name=N] [to-server=S]",
+               "a finished call: outgoing, missed, received or forwarded", Call},
+              {"rename", "NUMBER [NAME]", "the contact with this number gets another name, or none",
+               Rename},
+              {"cdr", "FILE EXTENSION [server=S]",
+               "a PBX's call detail records, as the phone of an extension saw them", Import},
+          }};
+}
+
+}  // namespace desk

@@ -1,0 +1,83 @@
+#include "CallImport.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "CallLog.h"
+#include "CallRecords.h"
+#include "CommandLine.h"
+#include "Phone.h"
+#include "ProgressBar.h"
+#include "Screen.h"
+#include "Text.h"
+
+namespace desk {
+namespace {
+
+constexpr int kTypes = 5;
+
+CdrImport Read(const CallImport& what, const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file || !std::filesystem::is_regular_file(path)) {
+    throw CommandError("cannot read " + path.string() + ": " +
+                       (file ? "not a file" : std::strerror(errno)));
+  }
+  std::error_code unknown;
+  const auto size = std::filesystem::file_size(path, unknown);
+  ProgressBar bar(std::cerr, isatty(STDERR_FILENO) != 0, unknown ? 0 : size);
+  CdrImport import = ReadCallRecords(
+      file, {what.extension, what.server, [&](std::uint64_t done) { bar.Update(done); }});
+  if (file.bad()) throw CommandError("cannot read " + path.string() + " to its end");
+  return import;
+}
+
+void PrintBadRows(std::ostream& out, const std::string& file, const std::vector<BadRow>& bad) {
+  constexpr std::size_t kNamed = 20;
+  for (std::size_t i = 0; i < bad.size() && i < kNamed; ++i) {
+    out << "  " << Printable(file) << ":" << bad[i].line << ": " << Printable(bad[i].reason)
+        << "\n";
+  }
+  if (bad.size() > kNamed) out << "  and " << bad.size() - kNamed << " bad rows more\n";
+}
+
+void PrintLists(std::ostream& out) {
+  constexpr int kRowsShown = 10;
+  for (int type = 1; type < kTypes; ++type) {
+    CallLogSimpleListData page;
+    page.request_count = kRowsShown;
+    const std::string action = "OpenSubPage(call_log_" + std::to_string(type) + ")";
+    NS_CALLLOG::CCallLogController::GetInstance()->GetLogListByClickAction(&page, action);
+    PrintCallList(out, TypeName(type), page);
+  }
+}
+
+}  // namespace
+
+void CallImport::Run(Phone& phone) const {
+  std::ostream& out = phone.out();
+  const CdrImport import = Read(*this, phone.FromStart(file));
+  std::array<int, kTypes> counts{};
+  int refused = 0;
+  for (const CallLogAddItemData& call : import.calls) {
+    if (CallLog_AddLog(call) == 0) {
+      ++counts[static_cast<std::size_t>(call.type)];
+    } else {
+      ++refused;
+    }
+  }
+  out << Format("  %zu records: %d outgoing, %d missed, %d received", import.rows, counts[1],
+                counts[2], counts[3]);
+  out << Format("; %zu of others, %zu bad", import.other, import.bad.size());
+  out << (refused > 0 ? Format(", %d calls refused\n", refused) : "\n");
+  PrintBadRows(out, file, import.bad);
+  phone.ReportChanges();
+  PrintLists(out);
+}
+
+}  // namespace desk

@@ -1,0 +1,19 @@
+// Brings a PBX's call detail records into the phone and shows what came of them.
+#pragma once
+
+#include <string>
+
+namespace desk {
+
+class Phone;
+
+struct CallImport {
+  std::string file;
+  std::string extension;
+  std::string server;  // SIP server of the phone's account and of the callers
+
+  // Throws CommandError when the file cannot be read.
+  void Run(Phone& phone) const;
+};
+
+}  // namespace desk

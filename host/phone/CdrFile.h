@@ -1,0 +1,74 @@
+// The rows of a file of call detail records: CSV by libcsv, the two column layouts, and each row's
+// values checked. What the rows mean to a phone is left to CdrCalls.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <istream>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct csv_parser;
+
+namespace desk {
+
+// One leg of a call: one row.
+struct CdrLeg {
+  std::string src;  // the caller's number: from the column, else from clid; may be empty
+  std::string dst;
+  std::string callerName;  // empty when clid has none, or only repeats the number
+  std::string channel;
+  std::string dstchannel;
+  std::string lastapp;
+  std::string uniqueid;  // empty when the row has none
+  std::string linkedid;
+  int start = 0;  // seconds since 1970-01-01 00:00:00 UTC
+  int duration = 0;
+  int billsec = 0;
+  bool answered = false;
+};
+
+struct CdrRow {
+  std::size_t line = 0;  // line on which the row begins, from 1
+  CdrLeg leg;
+  std::string fault;  // why the row is bad; empty: `leg` holds it
+};
+
+// Reads forward through the stream, holding no more of it than a chunk and the current row.
+class CdrFile {
+ public:
+  // `progress`, where there is one, gets the number of bytes read after every chunk.
+  CdrFile(std::istream& in, std::function<void(std::uint64_t)> progress);
+  ~CdrFile();
+
+  // The next record, blank lines and headers passed over; false at the end.
+  bool Next(CdrRow* row);
+
+ private:
+  struct Record {
+    std::size_t line = 0;
+    std::vector<std::string> fields;
+    std::string fault;
+  };
+
+  bool NextRecord(Record* record);
+  bool ParseLine(const std::string& text, Record* record, bool* complete);
+  bool HasLine(std::size_t ahead);
+  bool ReadLine(std::string* line);
+  bool ReadChunk();
+
+  std::istream& in_;
+  std::function<void(std::uint64_t)> progress_;
+  std::unique_ptr<csv_parser, void (*)(csv_parser*)> parser_;
+  std::vector<char> chunk_;
+  std::size_t chunkPos_ = 0;
+  std::size_t chunkEnd_ = 0;
+  std::uint64_t bytesRead_ = 0;
+  std::deque<std::string> ahead_;  // lines read and not yet used up
+  std::size_t linesUsed_ = 0;
+};
+
+}  // namespace desk

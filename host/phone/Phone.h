@@ -1,0 +1,52 @@
+// The desktop phone: a state directory, the desktop platform, and the call log module running on
+// it.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <ostream>
+
+#include "Desktop.h"
+#include "RootDirectory.h"
+
+namespace desk {
+
+class Phone {
+ public:
+  // Starts the phone. Throws RootError when the directory cannot be used.
+  Phone(const std::filesystem::path& root, const Profile& profile, std::unique_ptr<Clock> clock,
+        std::ostream& out);
+  // Shuts down in good order: unsaved changes are saved.
+  ~Phone();
+
+  // What a cut of the power does: nothing is saved. Then the phone starts again.
+  void PowerCycle();
+
+  // Lets time pass: at once with a manual clock, really otherwise.
+  void Wait(Milliseconds span);
+
+  // Prints what has changed by itself since the last time: the idle screen, a save, an application
+  // message.
+  void ReportChanges();
+  bool HasChanges() const;
+
+  Desktop& platform() { return platform_; }
+  std::ostream& out() { return out_; }
+  std::filesystem::path HistoryFile() const;
+  // A path that the user gave, who knows nothing of the working directory that the phone moved to.
+  std::filesystem::path FromStart(const std::filesystem::path& path) const;
+
+  bool wantsToQuit = false;
+
+ private:
+  void PowerOn();
+  void OnHandled(const Message& message, int result);
+
+  RootDirectory root_;
+  std::ostream& out_;
+  Desktop platform_;
+  Display shown_;
+  bool saved_ = false;
+};
+
+}  // namespace desk

@@ -1,0 +1,29 @@
+#include "Script.h"
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Text.h"
+
+namespace desk {
+
+int RunScript(Phone& phone, std::istream& lines, const std::string& name, std::ostream& errors) {
+  int wrong = 0;
+  int number = 0;
+  for (std::string line; !phone.wantsToQuit && std::getline(lines, line);) {
+    ++number;
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    phone.out() << (line.empty() || line.front() == '#' ? "" : "phone> ") << Printable(line)
+                << "\n";
+    try {
+      RunCommand(phone, line);
+    } catch (const CommandError& error) {
+      ++wrong;
+      phone.out() << std::flush;
+      errors << name << ":" << number << ": " << Printable(error.what()) << std::endl;
+    }
+  }
+  phone.out() << std::flush;
+  return wrong;
+}
+
+}  // namespace desk

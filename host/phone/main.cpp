@@ -1,0 +1,131 @@
+// The program deskphone: a desktop phone at a terminal, or driven by a script.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "CallImport.h"
+#include "CommandLine.h"
+#include "Phone.h"
+#include "Profile.h"
+#include "Script.h"
+#include "Terminal.h"
+#include "TimeInput.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kWrongCommands = 2;
+
+struct Options {
+  fs::path root = desk::RootDirectory::Default();
+  fs::path profile;
+  std::string script;
+  fs::path firstRun;
+  int traceLevel = 0;
+  fs::path traceFile;
+  desk::CallImport import;
+};
+
+// A phone that stores calls, for whoever brings no profile.
+desk::Profile DefaultProfile() {
+  desk::Profile profile;
+  profile.config = {{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}};
+  profile.accounts = {desk::Account(0, "100", "sip.example.org")};
+  return profile;
+}
+
+// Scripts print the same text every time: their clock is their own and starts at a fixed time.
+std::unique_ptr<desk::Clock> MakeClock(bool manual) {
+  if (!manual) return std::make_unique<desk::RealClock>();
+  return std::make_unique<desk::ManualClock>(desk::ParseLocalTime("2026-10-07 09:00:00"));
+}
+
+int RunScriptFile(desk::Phone& phone, const std::string& name) {
+  if (name == "-") return desk::RunScript(phone, std::cin, "standard input", std::cerr);
+  std::ifstream file(phone.FromStart(name));
+  if (!file) throw desk::CommandError("cannot read " + name);
+  return desk::RunScript(phone, file, name, std::cerr);
+}
+
+int RunPhone(const Options& options, bool importing) {
+  const bool atTerminal = isatty(STDIN_FILENO) != 0;
+  const bool scripted = !importing && (!options.script.empty() || !atTerminal);
+  const desk::Profile profile =
+      options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
+  if (!profile.timezone.empty()) {
+    desk::SetTimeZone(profile.timezone);
+  } else if (scripted) {
+    desk::SetTimeZone("UTC0");
+  }
+
+  std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
+  desk::Phone phone(options.root, profile, MakeClock(scripted), std::cout);
+  phone.platform().trace.SetLevel(options.traceLevel);
+  if (!options.traceFile.empty() &&
+      !phone.platform().trace.SetFile(phone.FromStart(options.traceFile))) {
+    throw desk::CommandError("cannot write to " + options.traceFile.string());
+  }
+  if (importing) {
+    options.import.Run(phone);
+    return 0;
+  }
+  int wrong = 0;
+  if (!options.firstRun.empty() && !fs::exists(phone.HistoryFile())) {
+    wrong += RunScriptFile(phone, options.firstRun.string());
+  }
+  if (scripted) {
+    wrong += RunScriptFile(phone, options.script.empty() ? "-" : options.script);
+  } else {
+    std::cout << "\"help\" lists the commands; \"quit\" leaves.\n";
+    desk::RunTerminal(phone);
+  }
+  return wrong > 0 ? kWrongCommands : 0;
+}
+
+void AddOptions(CLI::App* app, Options* options) {
+  app->add_option("--root", options->root, "directory that holds the phone's whole state")
+      ->capture_default_str();
+  app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
+  app->add_option("--script", options->script,
+                  "runs the commands of a file (\"-\": standard input) on a clock of its own");
+  app->add_option("--first-run", options->firstRun,
+                  "commands to run first when the phone has no history yet");
+  app->add_option("--trace", options->traceLevel, "writes the trace out up to this level");
+  app->add_option("--trace-file", options->traceFile, "where to, instead of standard error");
+}
+
+CLI::App* AddImport(CLI::App* app, Options* options) {
+  CLI::App* const cdr =
+      app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists");
+  cdr->add_option("FILE", options->import.file, "Master.csv, or the custom layout")->required();
+  cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
+  cdr->add_option("--server", options->import.server, "SIP server of both parties")
+      ->capture_default_str();
+  return cdr;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  options.import.server = "pbx.example.org";
+  CLI::App app(
+      "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
+      "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"
+      "2 when a script held wrong commands.");
+  AddOptions(&app, &options);
+  CLI::App* const importing = AddImport(&app, &options);
+  CLI11_PARSE(app, argc, argv);
+  try {
+    return RunPhone(options, importing->parsed());
+  } catch (const std::exception& error) {
+    std::cout << std::flush;
+    std::cerr << "deskphone: " << error.what() << "\n";
+    return 1;
+  }
+}
