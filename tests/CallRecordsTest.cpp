@@ -1,0 +1,464 @@
+// Call detail records as one phone saw them: layouts, bad rows, and legs to calls. Each call is
+// written as one line of text, "type time number name duration", so that the rows below can be read
+// side by side.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "CallRecords.h"
+#include "ProgressBar.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+void SetZone(const char* zone) {
+  setenv("TZ", zone, 1);
+  tzset();
+}
+
+class CallRecords : public testing::Test {
+ protected:
+  CallRecords() { SetZone("UTC0"); }
+  ~CallRecords() override {
+    if (hadZone_) {
+      SetZone(zone_.c_str());
+    } else {
+      unsetenv("TZ");
+      tzset();
+    }
+  }
+
+ private:
+  const bool hadZone_ = std::getenv("TZ") != nullptr;
+  const std::string zone_ = hadZone_ ? std::getenv("TZ") : "";
+};
+
+desk::CdrImport Read(const std::string& text, const std::string& extension = "100") {
+  std::istringstream in(text);
+  return desk::ReadCallRecords(in, {extension, "pbx.example", {}});
+}
+
+// Seconds are counted from the start of the records below.
+constexpr int kStart = 1777852800;  // 2026-05-04 00:00:00 UTC
+
+std::string Show(const CallLogAddItemData& call) {
+  return std::to_string(call.type) + " " + std::to_string(call.born_tick - kStart) + " " +
+         call.remote_sip_name + " '" + call.remote_display_name + "' " +
+         std::to_string(call.duration);
+}
+
+Lines Calls(const desk::CdrImport& import) {
+  Lines calls;
+  for (const CallLogAddItemData& call : import.calls) calls.push_back(Show(call));
+  return calls;
+}
+
+Lines Bad(const desk::CdrImport& import) {
+  Lines bad;
+  for (const desk::BadRow& row : import.bad) {
+    bad.push_back(std::to_string(row.line) + ": " + row.reason);
+  }
+  return bad;
+}
+
+// A record in either layout; the parts that a test does not set are those of an ordinary missed
+// call.
+struct Row {
+  std::string channel = "PJSIP/200-00000001";
+  std::string dstchannel = "PJSIP/100-00000002";
+  std::string disposition = "NO ANSWER";
+  std::string start = "2026-05-04 00:00:10";
+  std::string billsec = "0";
+  std::string more = "";  // columns behind the layout's own, with their commas
+  std::string src = "200";
+  std::string dst = "300";
+  std::string clid = R"("""Bo"" <200>")";
+  std::string lastapp = "Dial";
+  std::string answer = "";
+  std::string duration = "5";
+
+  std::string Master() const {
+    return "\"\"," + src + "," + dst + ",\"ctx\"," + clid + "," + Tail("DOCUMENTATION");
+  }
+  std::string Custom() const {
+    return clid + "," + src + "," + dst + ",\"ctx\"," + Tail("3,\"account\"");
+  }
+
+ private:
+  std::string Tail(const std::string& amaflags) const {
+    return channel + "," + dstchannel + "," + lastapp + ",\"a,b\"," + start + "," + answer +
+           ",2026-05-04 01:00:00," + duration + "," + billsec + "," + disposition + "," + amaflags +
+           more + "\n";
+  }
+};
+
+Row Leg(const std::string& channel, const std::string& dstchannel, const std::string& disposition,
+        const std::string& billsec = "0") {
+  Row row;
+  row.channel = channel;
+  row.dstchannel = dstchannel;
+  row.disposition = disposition;
+  row.billsec = billsec;
+  return row;
+}
+
+Row At(int second, Row row) {
+  row.start = "2026-05-04 00:00:" + std::to_string(second);
+  return row;
+}
+
+Row With(std::string Row::*column, const std::string& value, Row row = Row()) {
+  row.*column = value;
+  return row;
+}
+
+const char kE[] = "PJSIP/100-0000000e";
+
+TEST_F(CallRecords, TellWhatThePhoneSawFromChannelsAndDisposition) {
+  const struct {
+    const char* extension;
+    const char* channel;
+    const char* dstchannel;
+    const char* disposition;
+    const char* lastapp;
+    const char* call;  // empty: other
+  } rows[] = {
+      {"100", "PJSIP/100-01", "PJSIP/200-02", "ANSWERED", "Dial", "1 10 300 '' 7"},
+      {"100", "SIP/100-01", "", "NO ANSWER", "Dial", "1 10 300 '' 0"},
+      {"100", "SIP/100-01", "", "BUSY", "Dial", "1 10 300 '' 0"},
+      {"100", "SIP/100-01", "", "FAILED", "Dial", "1 10 300 '' 0"},
+      {"100", "SIP/100-01", "", "congestion", "Dial", "1 10 300 '' 0"},
+      {"100", "SIP/100-01", "PJSIP/200-02", "ANSWERED", "VoiceMail", "1 10 300 '' 7"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "ANSWERED", "Dial", "3 10 200 'Bo' 7"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "answered", "Queue", "3 10 200 'Bo' 7"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "NO ANSWER", "Dial", "2 10 200 'Bo' 0"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "NOANSWER", "Dial", "2 10 200 'Bo' 0"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "Busy", "Dial", "2 10 200 'Bo' 0"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "FAILED", "Dial", "2 10 200 'Bo' 0"},
+      {"100", "PJSIP/200-01", "PJSIP/100-02", "ANSWERED", "VoiceMail", "2 10 200 'Bo' 0"},
+      {"100", "PJSIP/100-01", "PJSIP/100-02", "ANSWERED", "Dial", "1 10 300 '' 7"},
+      {"anna", "IAX2/200-1", "PJSIP/anna-02", "NO ANSWER", "Dial", "2 10 200 'Bo' 0"},
+      {"front-desk", "SCCP/front-desk-0a", "", "ANSWERED", "Dial", "1 10 300 '' 7"},
+      {"100", "AsyncGoto/SIP/100-01", "SIP/200-02", "ANSWERED", "Dial", "1 10 300 '' 7"},
+      {"front", "SCCP/front-desk-0a", "", "ANSWERED", "Dial", ""},
+      {"100", "Local/100@from-internal-0000;1", "Local/100-0000;1", "ANSWERED", "Dial", ""},
+      {"100", "PJSIP/1100-01", "PJSIP/1001-02", "NO ANSWER", "Dial", ""},
+      {"100", "100", "", "ANSWERED", "Dial", ""},
+      {"", "PJSIP/-01", "", "ANSWERED", "Dial", ""},
+  };
+  for (const auto& row : rows) {
+    Row leg = Leg(row.channel, row.dstchannel, row.disposition, "7");
+    leg.lastapp = row.lastapp;
+    leg.answer = "2026-05-04 00:00:12";  // filled by some writers for unanswered calls, too
+    const Lines expected = *row.call != '\0' ? Lines{row.call} : Lines{};
+    for (const std::string& text : {leg.Master(), leg.Custom()}) {
+      const desk::CdrImport import = Read(text, row.extension);
+      EXPECT_EQ(Calls(import), expected) << text;
+      EXPECT_EQ(import.other, expected.empty() ? 1u : 0u) << text;
+      EXPECT_EQ(Bad(import), Lines{});
+    }
+  }
+}
+
+TEST_F(CallRecords, NameTheCaller) {
+  const struct {
+    const char* src;
+    const char* clid;
+    const char* caller;
+  } rows[] = {
+      {"200", R"("""Zoë B."" <200>")", "200 'Zoë B.'"},
+      {"200", R"("""Bo ""The B"""" <200>")", "200 'Bo \"The B\"'"},
+      {"200", R"(""Bo, jr" <200>")", "200 'Bo, jr'"},  // the quotes of a name not doubled
+      {"200", R"("Bo <200>")", "200 'Bo'"},
+      {"200", R"(""""" <200>")", "200 ''"},
+      {"200", R"("<200>")", "200 ''"},
+      {"200", R"("""200"" <200>")", "200 ''"},
+      {"200", R"("""Bo"" <200")", "200 'Bo'"},
+      {"200", "200", "200 ''"},
+      {"200", "Bo", "200 'Bo'"},
+      {"200", "", "200 ''"},
+      {"", R"("""Bo"" <+4420>")", "+4420 'Bo'"},
+      {"", "+4420", "+4420 ''"},
+      {"", R"(""""" <>")", " ''"},
+      {"200", "\"\"\"B\no\t\"\" <200>\"", "200 'B o'"},
+  };
+  for (const auto& row : rows) {
+    const std::string text = With(&Row::src, row.src, With(&Row::clid, row.clid)).Master();
+    const std::string call = std::string("2 10 ") + row.caller + " 0";
+    EXPECT_EQ(Calls(Read(text + text)), (Lines{call, call})) << text;
+  }
+}
+
+TEST_F(CallRecords, CarryAccountAndServers) {
+  const CallLogAddItemData call = Read(Row().Master()).calls.at(0);
+  EXPECT_EQ(call.local_sip_name, "100");
+  EXPECT_EQ(call.local_sip_server, "pbx.example");
+  EXPECT_EQ(call.remote_sip_server, "pbx.example");
+  EXPECT_EQ(call.forward_sip_name, "");
+}
+
+TEST_F(CallRecords, MakeOneCallOfItsLegs) {
+  const std::string a = ",1777852810.1,\"\"";
+  const std::string b = ",1777852810.2,\"\"";
+  const std::string bLinkedToA = b + ",,1777852810.1,77";
+  const std::string x = "PJSIP/200-00000001";
+  const Row missed = Leg(x, kE, "NO ANSWER");
+  const Row taken = Leg(x, "PJSIP/101-00000003", "ANSWERED", "30");
+  const auto in = [](const std::string& ids, const Row& row) {
+    return With(&Row::more, ids, row).Master();
+  };
+  const Row mailbox = With(&Row::lastapp, "VoiceMail", Leg(x, "", "ANSWERED", "9"));
+  const Row mailboxOf101 = With(&Row::lastapp, "VoiceMail", taken);
+  const struct {
+    const char* what;
+    std::string text;
+    Lines calls;
+  } rows[] = {
+      {"answered elsewhere", in(a, missed) + in(a, taken), {}},
+      {"answered elsewhere, told first", in(a, taken) + in(a, missed), {}},
+      {"another call answered", in(b, taken) + in(a, missed), {"2 10 200 'Bo' 0"}},
+      {"answered elsewhere, by linkedid", in(bLinkedToA, missed) + in(a, taken), {}},
+      {"linked by a third leg",
+       in(b, missed) + in(a, taken) + in(bLinkedToA, Leg(x, "Local/9@q-1;1", "NO ANSWER")),
+       {}},
+      {"linked by a third leg, told first",
+       in(b, taken) + in(bLinkedToA, Leg(x, "Local/9@q-1;1", "NO ANSWER")) + in(a, missed),
+       {}},
+      {"lone column with an id", in(",1777852810.1", missed) + in(",1777852810.1", taken), {}},
+      {"lone column with an id of a named system",
+       in(",pbx-1777852810.1", missed) + in(",pbx-1777852810.1", taken),
+       {}},
+      {"lone column with a userfield", in(",ad", missed) + in(",ad", taken), {"2 10 200 'Bo' 0"}},
+      {"no ids", in("", missed) + in("", taken), {"2 10 200 'Bo' 0"}},
+      {"userfield like a sum",
+       in(",1777852810.2,12.50", missed) + in(",1777852810.1,12.50", taken),
+       {"2 10 200 'Bo' 0"}},
+      {"voicemail is no phone", in(a, missed) + in(a, mailbox), {"2 10 200 'Bo' 0"}},
+      {"nor is that of another", in(a, missed) + in(a, mailboxOf101), {"2 10 200 'Bo' 0"}},
+      {"nor is a menu", in(a, missed) + in(a, Leg(x, "", "ANSWERED", "9")), {"2 10 200 'Bo' 0"}},
+      {"rung twice by a queue",
+       in(a, missed) + in(a, At(30, Leg(x, "PJSIP/100-000000ff", "BUSY"))),
+       {"2 10 200 'Bo' 0"}},
+      {"rung twice, answered then",
+       in(a, missed) + in(a, At(30, Leg(x, kE, "ANSWERED", "4"))),
+       {"3 30 200 'Bo' 4"}},
+      {"two legs one after the other",
+       in(a, At(30, Leg(x, kE, "ANSWERED", "3"))) + in(a, Leg(x, kE, "ANSWERED", "4")),
+       {"3 10 200 'Bo' 7"}},
+      {"two legs at a time",
+       in(a, Leg(x, kE, "ANSWERED", "3")) + in(a, At(12, Leg(x, kE, "ANSWERED", "4"))),
+       {"3 10 200 'Bo' 4"}},
+      {"placed to a group",
+       in(a, Leg(kE, "PJSIP/101-3", "NO ANSWER")) + in(a, Leg(kE, "PJSIP/102-4", "ANSWERED", "8")),
+       {"1 10 300 '' 8"}},
+      {"received, and a second call placed for a transfer",
+       in(a, Leg(x, kE, "ANSWERED", "3")) +
+           in(bLinkedToA, At(20, Leg("PJSIP/100-ff", "PJSIP/101-3", "ANSWERED", "8"))),
+       {"3 10 200 'Bo' 3", "1 20 300 '' 8"}},
+      {"received, and a second call placed in vain",
+       in(a, Leg(x, kE, "ANSWERED", "3")) +
+           in(bLinkedToA, At(20, Leg("PJSIP/100-ff", "PJSIP/101-3", "BUSY"))),
+       {"3 10 200 'Bo' 3", "1 20 300 '' 0"}},
+      {"the longest call there is",
+       in(a, Leg(x, kE, "ANSWERED", "2147483647")) + in(a, At(30, Leg(x, kE, "ANSWERED", "9"))),
+       {"3 10 200 'Bo' 2147483647"}},
+  };
+  for (const auto& row : rows) {
+    const desk::CdrImport import = Read(row.text);
+    EXPECT_EQ(Calls(import), row.calls) << row.what;
+    EXPECT_EQ(Bad(import), Lines{}) << row.what;
+  }
+}
+
+TEST_F(CallRecords, ComeOldestFirstAndOtherwiseInTheOrderOfTheFile) {
+  std::string text;
+  Lines early;
+  Lines late;
+  for (int i = 0; i < 40; ++i) {
+    const std::string src = std::to_string(i);
+    const int second = i % 3 == 0 ? 20 : 30;
+    text += With(&Row::src, src, At(second, Row())).Custom();
+    (second == 20 ? early : late).push_back("2 " + std::to_string(second) + " " + src + " 'Bo' 0");
+  }
+  early.insert(early.end(), late.begin(), late.end());
+  EXPECT_EQ(Calls(Read(text)), early);
+}
+
+TEST_F(CallRecords, NameBadRowsAndGoOn) {
+  const std::string good = Row().Master();
+  const std::string unclosed = "\"200\",\"lost\nx,y\n";
+  const std::string lastFieldOpen = good.substr(0, good.size() - 1) + ",\"1777852810.1\",\"open\n";
+  const struct {
+    std::string text;
+    Lines bad;
+    std::size_t good;
+  } rows[] = {
+      {With(&Row::start, "2026-02-30 10:00:00").Master(),
+       {"2: start is not in the calendar: \"2026-02-30 10:00:00\""},
+       2},
+      {With(&Row::start, "2026-05-04 24:00:00").Custom(),
+       {"2: start is not in the calendar: \"2026-05-04 24:00:00\""},
+       2},
+      {With(&Row::start, "2026-00-04 10:60:00").Custom(),
+       {"2: start is not in the calendar: \"2026-00-04 10:60:00\""},
+       2},
+      {With(&Row::start, "4.5.2026").Master(), {"2: start is not a time: \"4.5.2026\""}, 2},
+      {With(&Row::start, "2038-01-19 03:14:08").Master(),
+       {"2: start is outside the years that the phone can store: \"2038-01-19 03:14:08\""},
+       2},
+      {With(&Row::start, "1901-12-13 20:45:51").Master(),
+       {"2: start is outside the years that the phone can store: \"1901-12-13 20:45:51\""},
+       2},
+      {With(&Row::disposition, "MAYBE").Custom(), {"2: unknown disposition: \"MAYBE\""}, 2},
+      {With(&Row::disposition, "").Master(), {"2: unknown disposition: \"\""}, 2},
+      {With(&Row::billsec, "3.5").Master(), {"2: billsec is not a number of seconds: \"3.5\""}, 2},
+      {With(&Row::billsec, "-1").Master(), {"2: billsec is not a number of seconds: \"-1\""}, 2},
+      {With(&Row::duration, "2147483648").Custom(),
+       {"2: duration is not a number of seconds: \"2147483648\""},
+       2},
+      {With(&Row::disposition, std::string(39, 'a') + "é" + std::string(1 << 20, 'b')).Master(),
+       {"2: unknown disposition: \"" + std::string(39, 'a') + "...\""},
+       2},
+      {With(&Row::disposition, std::string("a\0b\x1b", 4)).Master(),
+       {"2: unknown disposition: \"a?b?\""},
+       2},
+      {"hello\n", {"2: 1 column, too few for a call record"}, 2},
+      {good.substr(0, good.rfind(',')) + "\n", {"2: 15 columns, too few for a call record"}, 2},
+      {std::string(17, ',') + "\n", {"2: 18 columns, in no known order"}, 2},
+      {With(&Row::start, "today", With(&Row::disposition, "MAYBE")).Master(),
+       {"2: 16 columns, in no known order"},
+       2},
+      // An open quote costs its own line, not those behind it.
+      {unclosed, {"2: a quoted field is not closed", "3: 2 columns, too few for a call record"}, 2},
+      {lastFieldOpen + good, {"2: a quoted field is not closed"}, 3},
+      // Line breaks in a field that is closed belong to it; rows behind it keep their lines.
+      {With(&Row::lastapp, "\"Di\r\n\nal\"", With(&Row::billsec, "x")).Master() + "a\n",
+       {"2: billsec is not a number of seconds: \"x\"", "5: 1 column, too few for a call record"},
+       2},
+      {"\n \t\r\n" + With(&Row::lastapp, "\"D\nl\"").Master() + "\r\na\r\n",
+       {"7: 1 column, too few for a call record"},
+       3},
+      {std::string(17 << 20, 'x') + "\n", {"2: longer than 16 MB"}, 2},
+      {With(&Row::lastapp, std::string(2 << 20, '\0')).Master(), {}, 3},
+  };
+  for (const auto& row : rows) {
+    const desk::CdrImport import = Read(good + row.text + good);
+    EXPECT_EQ(Bad(import), row.bad) << row.text.substr(0, 300);
+    EXPECT_EQ(import.calls.size(), row.good) << row.text.substr(0, 300);
+    EXPECT_EQ(import.rows, row.good + row.bad.size()) << row.text.substr(0, 300);
+  }
+  const std::string manyLines = "\"" + std::string(200, '\n') + "\"";
+  EXPECT_EQ(Read(With(&Row::lastapp, manyLines).Master()).bad.size(), 2u);
+  EXPECT_EQ(Bad(Read(good + "a,\"b\n\n" + good + "\"c")),
+            (Lines{"2: a quoted field is not closed", "5: a quoted field is not closed"}));
+}
+
+TEST_F(CallRecords, PassOverMarkAndHeaders) {
+  const std::string more = ",uniqueid,userfield\n";
+  const std::string master =
+      "accountcode,src,dst,dcontext,clid,channel,dstchannel,lastapp,lastdata,start,answer,end,"
+      "duration,billsec,disposition,amaflags" +
+      more;
+  const std::string custom =
+      "\"CLID\",\"src\",\"dst\",\"dcontext\",\"channel\",\"dstchannel\",\"lastapp\",\"lastdata\","
+      "\"Start\",\"answer\",\"end\",\"duration\",\"billsec\",\"disposition\",\"amaflags\","
+      "\"accountcode\"" +
+      more;
+  const std::string last = Row().Master();
+  const desk::CdrImport import =
+      Read("\xEF\xBB\xBF" + master + Row().Custom() + custom + last.substr(0, last.size() - 1));
+  EXPECT_EQ(import.rows, 2u);
+  EXPECT_EQ(import.calls.size(), 2u);
+  EXPECT_EQ(Bad(import), Lines{});
+  EXPECT_EQ(Calls(Read("\xEF\xBB\xBF" + Row().Custom())), Lines{"2 10 200 'Bo' 0"});
+  EXPECT_EQ(Read("").rows, 0u);
+}
+
+TEST_F(CallRecords, ReadTimesAsLocal) {
+  SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
+  const std::pair<const char*, int> times[] = {
+      {"2026-01-15 12:00:00", 1768474800},
+      {"2026-07-15 12:00:00", 1784109600},
+      {"2028-02-29 00:00:00", 1835391600},
+      {"1970-01-01 00:59:59", -1},
+      {"2038-01-19 04:14:07", std::numeric_limits<int>::max()},
+  };
+  for (const auto& [text, tick] : times) {
+    const desk::CdrImport import = Read(With(&Row::start, text).Master());
+    ASSERT_EQ(import.calls.size(), 1u) << text;
+    EXPECT_EQ(import.calls[0].born_tick, tick) << text;
+  }
+  // The hour that clocks pass over in spring is no reason to lose a call.
+  EXPECT_EQ(Read(With(&Row::start, "2026-03-29 02:30:00").Master()).calls.size(), 1u);
+}
+
+TEST_F(CallRecords, ReportTheBytesReadAndLoseNothingBetweenChunks) {
+  std::string text;
+  while (text.size() < 300000) text += Row().Master() + Row().Custom();
+  std::istringstream in(text);
+  std::vector<std::uint64_t> done;
+  const desk::CdrImport import = desk::ReadCallRecords(
+      in, {"100", "", [&done](std::uint64_t bytes) { done.push_back(bytes); }});
+  EXPECT_EQ(import.calls.size(), import.rows);
+  EXPECT_EQ(import.rows * (Row().Master() + Row().Custom()).size(), text.size() * 2);
+  ASSERT_GT(done.size(), 2u);
+  EXPECT_LT(done.front(), text.size() / 2);
+  EXPECT_EQ(done.back(), text.size());
+}
+
+TEST_F(CallRecords, OfTheSampleAreAsAPersonCountsThem) {
+  const auto sample =
+      std::filesystem::path(__FILE__).parent_path().parent_path() / "host/demo/calls.csv";
+  const struct {
+    const char* extension;
+    std::vector<int> ofType;  // outgoing, missed, received, forwarded
+  } rows[] = {{"100", {4, 4, 4, 0}}, {"anna", {3, 2, 2, 0}}, {"103", {0, 1, 0, 0}}};
+  for (const auto& row : rows) {
+    std::ifstream in(sample, std::ios::binary);
+    ASSERT_TRUE(in.is_open()) << sample;
+    const desk::CdrImport import = desk::ReadCallRecords(in, {row.extension, "", {}});
+    std::vector<int> ofType(4);
+    for (const CallLogAddItemData& call : import.calls) {
+      ++ofType.at(static_cast<std::size_t>(call.type - 1));
+    }
+    EXPECT_EQ(ofType, row.ofType) << row.extension;
+    EXPECT_EQ(import.rows, 30u);
+    EXPECT_EQ(Bad(import), Lines{"27: start is not in the calendar: \"2026-02-30 08:40:00\""});
+  }
+}
+
+TEST(ProgressBar, DrawsOncePerPercentAtATerminalOnly) {
+  constexpr std::uint64_t kLong = 100 * 1024 * 1024;
+  const auto draw = [](bool atTerminal, std::uint64_t total) {
+    std::ostringstream out;
+    {
+      desk::ProgressBar bar(out, atTerminal, total);
+      for (std::uint64_t step = 0; step <= 1000; ++step) bar.Update(total / 1000 * step);
+      bar.Update(total);
+      bar.Update(total * 2);  // a file that grew meanwhile
+    }
+    return out.str();
+  };
+  EXPECT_EQ(draw(false, kLong), "");
+  EXPECT_EQ(draw(true, 1000), "");
+  EXPECT_EQ(draw(true, 0), "");
+  const std::string drawn = draw(true, kLong);
+  EXPECT_EQ(std::count(drawn.begin(), drawn.end(), '%'), 101);
+  EXPECT_NE(drawn.find("\r[" + std::string(25, '#') + std::string(25, ' ') + "]  50 %"),
+            std::string::npos);
+  const std::string end = "] 100 %\r\033[K";
+  EXPECT_EQ(drawn.substr(drawn.size() - end.size()), end);
+}
+
+}  // namespace
