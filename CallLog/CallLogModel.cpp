@@ -293,8 +293,13 @@ bool CCallLogModel::SaveToFile() {
   timerKillThreadTimer(kSaveTimer);
   etlTrace(3, "--Call log: save call log file begin.");
   rapidxml::xml_document<> document;
-  rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
-  for (const auto& item : m_listLog) AppendHistoryItem(&document, root, *item);
+  try {
+    rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
+    for (const auto& item : m_listLog) AppendHistoryItem(&document, root, *item);
+  } catch (const std::bad_alloc&) {
+    timerSetThreadTimer(kSaveTimer, kSaveDelay);  // the file is as it was; try again later
+    return false;
+  }
   std::ofstream file(HistoryPath(), std::ios::out | std::ios::trunc);
   file << document;
   document.clear();
@@ -313,8 +318,7 @@ bool CCallLogModel::MyLoadDataFromFile() {
   for (TiXmlElement* element = root->FirstChildElement(kHistoryItem); element != nullptr;
        element = element->NextSiblingElement(kHistoryItem)) {
     item.Reset();
-    ReadHistoryItem(element, &item);
-    if (MyInsertLog(item, false) < 0) complete = false;
+    if (!ReadHistoryItem(element, &item) || MyInsertLog(item, false) < 0) complete = false;
   }
   return complete;
 }

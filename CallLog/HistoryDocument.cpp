@@ -1,6 +1,7 @@
 #include "HistoryDocument.h"
 
 #include <cstdio>
+#include <new>
 
 #include "CommonUnits.h"
 #include "TinyXmlHelper.h"
@@ -48,16 +49,21 @@ void AppendHistoryItem(Document* document, Node* root, const CCallLogModel::Item
   root->append_node(node);
 }
 
-void ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item) {
-  item->type = TinyXml_GetIntAttr(element, "type", 0);
-  item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
-  item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
-  item->local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
-  item->remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
-  item->remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
-  item->remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
-  item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
-  item->duration = TinyXml_GetIntAttr(element, "duration", 0);
+bool ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item) {
+  try {
+    item->type = TinyXml_GetIntAttr(element, "type", 0);
+    item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
+    item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
+    item->local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
+    item->remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
+    item->remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
+    item->remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
+    item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
+    item->duration = TinyXml_GetIntAttr(element, "duration", 0);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
 }
 
 }  // namespace NS_CALLLOG

@@ -23,6 +23,7 @@ void AppendHistoryItem(rapidxml::xml_document<>* document, rapidxml::xml_node<>*
                        const CCallLogModel::ItemData& item);
 
 // Fills the stored fields of the reset `item` from an element of the file, whatever its values are.
-void ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item);
+// False when there is no memory for them.
+bool ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item);
 
 }  // namespace NS_CALLLOG

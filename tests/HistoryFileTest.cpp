@@ -1,0 +1,452 @@
+// The history file: its bytes, when it is written, what is made of files that somebody else wrote,
+// cut or damaged. Names that are hostile in themselves are HostileNamesTest's.
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <climits>
+#include <fstream>
+#include <functional>
+#include <map>
+
+#include "PhoneTest.h"
+#include "PlainModel.h"
+
+namespace desk {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+const std::string kHeader = "<?xml version='1.0' encoding='utf-8' ?>\n";
+
+std::string Repeat(const std::string& text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+// A pipe that holds `bytes` and then ends, under a path of its own.
+class FilledPipe {
+ public:
+  explicit FilledPipe(const std::string& bytes) {
+    EXPECT_EQ(pipe(ends_), 0);
+    EXPECT_EQ(write(ends_[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    close(ends_[1]);
+  }
+  ~FilledPipe() { close(ends_[0]); }
+  FilledPipe(const FilledPipe&) = delete;
+  FilledPipe& operator=(const FilledPipe&) = delete;
+
+  fs::path path() const { return "/proc/self/fd/" + std::to_string(ends_[0]); }
+
+ private:
+  int ends_[2] = {};
+};
+
+class HistoryFileTest : public PhoneTest {
+ protected:
+  // Starts the phone with this history file.
+  void StartWith(const std::string& bytes) {
+    fs::remove_all(HistoryFile());
+    WriteFile(HistoryFile(), bytes);
+    PowerCycle();
+  }
+
+  static int Size() {
+    CallLogSimpleListData page;
+    page.request_count = 1;
+    return Controller().GetLogListByClickAction(&page, Action(0)) == 1 ? page.total : -1;
+  }
+
+  // Saves the history although nothing changed.
+  static void Save() {
+    Controller().RemoveAllLogsByClickAction("call_log_99");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+  }
+
+  // What the module makes of a file: the file that it writes itself after having read it.
+  std::string Rewritten(const std::string& bytes) {
+    StartWith(bytes);
+    Save();
+    return ReadFile(HistoryFile());
+  }
+
+  // The next change writes a good file, and the next start finds in it what was there before.
+  void ExpectNextSaveIsGood() {
+    const int size = Size();
+    Add(3, "77");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+    PowerCycle();
+    EXPECT_EQ(Size(), size + 1);
+  }
+
+  Lines TakeSaveEvents() { return TakeJournal({"timer", "trace 3 --Call log: save"}); }
+};
+
+TEST_F(HistoryFileTest, HoldsExactlyTheseBytes) {
+  CallLogAddItemData call = MakeCall(1, "<4420&\"'>", 1000);
+  call.remote_display_name = "Tom & \"Jerry\" <b>";
+  CallLog_AddLog(call);
+  call = MakeCall(2, "", INT_MIN);
+  call.local_sip_name = "O'Neil";
+  call.local_sip_server = "'\"";
+  call.remote_sip_server = "";
+  call.duration = INT_MIN;
+  CallLog_AddLog(call);
+  call = MakeCall(3, std::string("44\0 20", 6), INT_MAX);
+  call.remote_display_name = " Zo\u00EB\t\n\r\U0001F600\x7F&amp;&#65; ";
+  call.duration = INT_MAX;
+  CallLog_AddLog(call);
+  call = MakeCall(4, "12", -7);
+  call.forward_sip_name = "13";
+  call.forward_display_name = "Eva";
+  call.duration = 0;
+  CallLog_AddLog(call);
+  ASSERT_EQ(Controller().SaveToFile(), 1);
+  const std::string expected =
+      "<?xml version='1.0' encoding='utf-8' ?>\n"
+      "<root_call_log>\n"
+      "\t<item type=\"3\" born_tick=\"2147483647\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\""
+      " remote_display_name=\" Zo\u00EB\t\n\r\U0001F600\x7F&amp;amp;&amp;#65; \""
+      " remote_sip_name=\"44\" remote_sip_server=\"pbx.example.org\" duration=\"2147483647\"/>\n"
+      "\t<item type=\"1\" born_tick=\"1000\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\""
+      " remote_display_name='Tom &amp; \"Jerry\" &lt;b&gt;'"
+      " remote_sip_name='&lt;4420&amp;\"&apos;&gt;' remote_sip_server=\"pbx.example.org\""
+      " duration=\"5\"/>\n"
+      "\t<item type=\"4\" born_tick=\"-7\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\" remote_display_name=\"12\" remote_sip_name=\"12\""
+      " remote_sip_server=\"pbx.example.org\" duration=\"0\"/>\n"
+      "\t<item type=\"2\" born_tick=\"-2147483648\" local_sip_name=\"O'Neil\""
+      " local_sip_server='&apos;\"' remote_display_name=\"\" remote_sip_name=\"\""
+      " remote_sip_server=\"\" duration=\"-2147483648\"/>\n"
+      "</root_call_log>\n"
+      "\n";
+  EXPECT_EQ(ReadFile(HistoryFile()), expected);
+  EXPECT_EQ(Rewritten(expected), expected);
+
+  Controller().RemoveAllLogsByClickAction(Action(0));
+  ASSERT_EQ(Controller().SaveToFile(), 1);
+  EXPECT_EQ(ReadFile(HistoryFile()),
+            "<?xml version='1.0' encoding='utf-8' ?>\n"
+            "<root_call_log/>\n"
+            "\n");
+}
+
+TEST_F(HistoryFileTest, IsWrittenOnceFiveSecondsAfterTheFirstChange) {
+  const Lines start = {"timer 90010 set 5000"};
+  const Lines save = {"timer 90010 kill", "trace 3 --Call log: save call log file begin.",
+                      "trace 3 --Call log: save call log file end."};
+  for (int round = 0; round < 2; ++round) {
+    fs::remove(HistoryFile());
+    Add(1, "10");
+    for (const char* number : {"11", "12", "13"}) {
+      desktop->Advance(Milliseconds(1000));
+      Add(2, number);
+    }
+    EXPECT_EQ(TakeSaveEvents(), start);
+    desktop->Advance(Milliseconds(1999));
+    EXPECT_FALSE(fs::exists(HistoryFile()));
+    EXPECT_EQ(TakeSaveEvents(), Lines());
+    desktop->Advance(Milliseconds(1));
+    EXPECT_TRUE(fs::exists(HistoryFile()));
+    EXPECT_EQ(TakeSaveEvents(), save);
+    desktop->Advance(Milliseconds(60000));
+    EXPECT_EQ(TakeSaveEvents(), Lines());
+  }
+  Add(1, "14");
+  TakeSaveEvents();
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  EXPECT_EQ(TakeSaveEvents(), save);
+  fs::remove(HistoryFile());
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  desktop->Advance(Milliseconds(60000));
+  EXPECT_FALSE(fs::exists(HistoryFile()));
+  EXPECT_EQ(TakeSaveEvents(), Lines());
+
+  Add(1, "15");
+  PowerCycle();
+  EXPECT_EQ(Size(), 0) << "nothing saves on the way out";
+  EXPECT_EQ(desktop->timers.NextDue(), std::nullopt) << "reading the file is no change";
+}
+
+TEST_F(HistoryFileTest, ThatTheDiskRefusesCountsAsSavedUntilTheNextChange) {
+  const fs::path away = root.path() / "config/away";
+  fs::rename(HistoryFile().parent_path(), away);
+  Add(1, "10");
+  WaitForSave();
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  Add(1, "11");
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  fs::rename(away, HistoryFile().parent_path());
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  Add(1, "12");
+  WaitForSave();
+  PowerCycle();
+  EXPECT_EQ(Size(), 3);
+}
+
+std::string Root(const std::string& items) {
+  return "<root_call_log>" + items + "</root_call_log>";
+}
+
+std::string Item(const std::string& attributes) { return "<item " + attributes + "/>"; }
+
+std::string Attributes(int count) {
+  std::string attributes;
+  for (int i = 0; i < count; ++i) attributes += " a" + std::to_string(i) + "='1'";
+  return attributes;
+}
+
+// What the module makes of an item with little in it.
+PlainCall Call(const std::string& name, int type = 0, int time = 0, int duration = 0) {
+  PlainCall call;
+  call.type = type;
+  call.born_tick = time;
+  call.duration = duration;
+  call.remote_display_name = name;
+  return call;
+}
+
+TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
+  const std::string one = Root("<item remote_display_name='A'/>");
+  const auto nameAt = [](const std::string& name, int time) {
+    return Item("remote_display_name='" + name + "' born_tick='" + std::to_string(time) + "'");
+  };
+  PlainCall full = Call("N", 4, -5, 6);
+  full.local_sip_name = "a";
+  full.local_sip_server = "b";
+  full.remote_sip_name = "c";
+  full.remote_sip_server = "d";
+  const struct {
+    std::string file;
+    PlainCalls calls;
+  } rows[] = {
+      {one, {Call("A")}},
+      {Root(""), {}},
+      {Root("<item/>"), {Call("")}},
+      {Root("<item remote_sip_server = 'd'\n duration=\"6\" x='7' remote_sip_name\t=\"c\" "
+            "local_sip_server='b' forward_sip_name='9' remote_display_name='N' is_new='1' "
+            "born_tick='-5' local_sip_name='a' type='4'\r\n/>"),
+       {full}},
+      {Root(nameAt("a", 1) + nameAt("b", 3) + nameAt("c", 1) + nameAt("d", 2)),
+       {Call("b", 0, 3), Call("d", 0, 2), Call("a", 0, 1), Call("c", 0, 1)}},
+      {"\xEF\xBB\xBF" + kHeader + one, {Call("A")}},
+      {"<?xml version=\"1.1\" standalone=\"yes\"?>\r\n" + one, {Call("A")}},
+      {one + std::string("\0<x", 3), {Call("A")}},
+      {one + "\nand more < &", {Call("A")}},
+      {"<!-- <item/> --><!DOCTYPE r [ <!ENTITY e '>'> ]><?x <item/> ?>" +
+           Root("text &amp; &#65; <![CDATA[ <item/> & ]]><!-- > --><?y?><item/>"),
+       {Call("")}},
+      {Root("<call/><item type='1'/><old><item type='2'/></old><Item/><items/>"
+            "<item type='3'>text<item type='4'/></item>"),
+       {Call("", 1), Call("", 3)}},
+      {"<x><y/></x>" + one + one, {Call("A")}},
+      {"<calls><item/></calls>", {}},
+      {Root(Repeat("<x>", 63) + Repeat("</x>", 63) + "<item/>"), {Call("")}},
+      {Root(Item(Attributes(64))), {Call("")}},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Rewritten(row.file), FileText(row.calls)) << row.file;
+
+  const std::map<int, std::vector<std::string>> numbers = {
+      {0, {"", " ", "-", "seven", "7x", "7.5", "0x7", "\xC3"}},
+      {7, {"7", "007", "+7"}},
+      {-5, {"-5", "-05"}},
+      {INT_MAX, {"2147483647", "2147483648", std::string(4000, '9')}},
+      {INT_MIN, {"-2147483648", "-2147483649"}},
+  };
+  for (const auto& [number, texts] : numbers) {
+    for (const std::string& text : texts) {
+      const std::string item =
+          Item("type='" + text + "' born_tick='" + text + "' duration='" + text + "'");
+      EXPECT_EQ(Rewritten(Root(item)), FileText({Call("", number, number, number)})) << text;
+    }
+  }
+
+  const std::pair<std::string, std::string> names[] = {
+      {"&lt;&gt;&amp;&quot;&apos;&#65;&#x42;&#xe9;&#x1F600;", "<>&\"'AB\u00E9\U0001F600"},
+      {"&#0;&#1;&#xD800;&#xFFFE;&#99999999999999999999;", Repeat("\uFFFD", 5)},
+      {"&foo; & b", "foo;  b"},
+      {"a<b\n\r\nc\xC3", "a<b\n\r\nc\uFFFD"}};
+  for (const auto& [text, name] : names) {
+    EXPECT_EQ(Rewritten(Root(nameAt(text, 0))), FileText({Call(name)})) << text;
+  }
+}
+
+TEST_F(HistoryFileTest, OfMoreThanTheStoreTakesKeepsTheNewest) {
+  std::string items;
+  PlainCalls kept;
+  for (int i = 0; i < 250; ++i) {
+    // The one that comes in last stays, however old it is.
+    const int type = i % 2 == 0 ? 2 : 77;
+    items += Item("type='" + std::to_string(type) + "' born_tick='" + std::to_string(-i) + "'");
+    if (i < 198 || i >= 248) kept.push_back(Call("", type, -i));
+  }
+  EXPECT_EQ(Rewritten(Root(items)), FileText(kept));
+  EXPECT_EQ(Names(2).size(), 100u);
+}
+
+TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
+  const std::string open = "<root_call_log><item/>";
+  const std::string close = "</root_call_log>";
+  const std::string files[] = {
+      "",
+      " \n\t",
+      "call log",
+      kHeader + "<!-- nothing -->\n",
+      kHeader,
+      "<!-- " + Root("<item/>"),
+      "<?xml version='1.0'?><a v='x\xF0",
+      open + "<item\xE2\x82",
+      open + "\xF0\x9F",
+      open + "<item type='&#6",
+      std::string("\xFF\xFE<\0r\0o\0o\0t\0", 12),
+      open + std::string("\0", 1) + close,
+      open,
+      open + "</root>",
+      close,
+      open + "<a><b></a></b>" + close,
+      open + "<item>" + close,
+      open + "<item type='1'" + close,
+      open + "<item type=1/>" + close,
+      open + "<item type/>" + close,
+      open + "<item type='1/>" + close,
+      open + "<item type='1' type='2'/>" + close,
+      open + "<item / type='1'/>" + close,
+      open + "< type='1'/>" + close,
+      open + "<it<em/>" + close,
+      open + "<item type='&#;'/>" + close,
+      open + "<item type='&#65'/>" + close,
+      open + "<![CDATA[ ]>" + close,
+      open + Repeat("<x>", 64) + Repeat("</x>", 64) + close,
+      Repeat("<item>", 1000000),
+      open + "<x" + Attributes(65) + "/>" + close,
+      "<root_call_log" + Attributes(65) + "><item/>" + close,
+  };
+  for (const std::string& bytes : files) {
+    SCOPED_TRACE(bytes.substr(0, 200));
+    StartWith(bytes);
+    EXPECT_EQ(Size(), 0);
+    EXPECT_EQ(ReadFile(HistoryFile()), bytes) << "only a save changes the file";
+    EXPECT_EQ(Rewritten(bytes), kHeader + "<root_call_log/>\n\n");
+    ExpectNextSaveIsGood();
+  }
+}
+
+TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {
+  const fs::path file = HistoryFile();
+  const FilledPipe pipe(Root("<item/>"));
+  const auto truncated = [&](std::uintmax_t size) {
+    WriteFile(file, "<root_call_log>");
+    fs::resize_file(file, size);
+  };
+  const struct {
+    const char* what;
+    std::function<void()> make;
+    int savedCalls;  // found at the start after the next save; negative: the save would wait
+  } rows[] = {
+      {"directory", [&] { fs::create_directory(file); }, 0},
+      {"FIFO", [&] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); }, -1},
+      {"pipe with a history in it", [&] { fs::create_symlink(pipe.path(), file); }, 0},
+      {"link to /dev/zero", [&] { fs::create_symlink("/dev/zero", file); }, 0},
+      {"link to /dev/full", [&] { fs::create_symlink("/dev/full", file); }, 0},
+      {"link to itself", [&] { fs::create_symlink(file, file); }, 0},
+      {"link to nothing", [&] { fs::create_symlink("nothing.xml", file); }, 1},
+      {"3 GB", [&] { truncated(3'000'000'000); }, 1},
+      {"2 GB less one byte", [&] { truncated(INT_MAX); }, 1},
+      {"1.5 GB", [&] { truncated(1'500'000'000); }, 1},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    fs::remove_all(file);
+    row.make();
+    const auto start = std::chrono::steady_clock::now();
+    PowerCycle();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_EQ(Size(), 0);
+    if (row.savedCalls < 0) continue;
+    Add(1, "10");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+    EXPECT_EQ(Size(), 1);
+    PowerCycle();
+    EXPECT_EQ(Size(), row.savedCalls);
+  }
+}
+
+#ifndef __SANITIZE_ADDRESS__  // it needs address space of its own
+// Comes up with so much memory more than there is now; ends the process with the size of the
+// history.
+[[noreturn]] void StartWithin(int megabytes) {
+  std::ifstream statm("/proc/self/statm");
+  rlim_t pages = 0;
+  statm >> pages;
+  rlimit memory;
+  getrlimit(RLIMIT_AS, &memory);
+  const rlim_t unlimited = memory.rlim_cur;
+  memory.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) +
+                    static_cast<rlim_t>(megabytes) * 1024 * 1024;
+  setrlimit(RLIMIT_AS, &memory);
+  NS_CALLLOG::CCallLogController::GetInstance();
+  memory.rlim_cur = unlimited;
+  setrlimit(RLIMIT_AS, &memory);
+  CallLogSimpleListData page;
+  page.request_count = 1;
+  NS_CALLLOG::CCallLogController::GetInstance()->GetLogListByClickAction(&page, "call_log_0");
+  _exit(page.total);
+}
+
+TEST_F(HistoryFileTest, ThatMemoryIsTooShortForLeavesThePhoneAlive) {
+  WriteFile(HistoryFile(), FileText(PlainCalls(100, Call(std::string(65536, 'x')))));
+  EXPECT_EXIT(StartWithin(1), testing::ExitedWithCode(0), "");
+  for (int megabytes = 8; megabytes <= 38; megabytes += 3) {
+    const auto started = [](int status) { return WIFEXITED(status) && WEXITSTATUS(status) <= 100; };
+    EXPECT_EXIT(StartWithin(megabytes), started, "") << megabytes << " MB";
+  }
+  EXPECT_EXIT(StartWithin(200), testing::ExitedWithCode(100), "");
+}
+#endif
+
+// Six records with something of everything.
+std::string GoodFile() {
+  PlainCalls calls;
+  for (const char* name : {"Zo\u00EB", "a\"b'", "<&>", "", "\U0001F600", "Bo"}) {
+    const int position = static_cast<int>(calls.size());
+    calls.push_back(Call(name, 1 + position % 4, 1000 - position, position));
+    calls.back().remote_sip_name = std::to_string(position);
+  }
+  return FileText(calls);
+}
+
+TEST_F(HistoryFileTest, CutAnywhereIsWholeOrEmpty) {
+  const std::string good = GoodFile();
+  EXPECT_EQ(Rewritten(good), good);
+  const std::size_t end = good.find_last_of('>') + 1;
+  for (std::size_t length = 0; length <= good.size(); ++length) {
+    StartWith(good.substr(0, length));
+    EXPECT_EQ(Size(), length < end ? 0 : 6);
+    if (length % 16 == 0) ExpectNextSaveIsGood();
+    ASSERT_FALSE(HasFailure()) << length;
+  }
+}
+
+TEST_F(HistoryFileTest, WithAnyByteDamagedStartsAndSavesAgain) {
+  const std::string good = GoodFile();
+  int tried = 0;
+  for (std::size_t position = 0; position < good.size(); ++position) {
+    for (const char damage : std::string("\0<>\"'/& a\x80\xC3\xF0", 12)) {
+      std::string bytes = good;
+      bytes[position] = damage;
+      StartWith(bytes);
+      EXPECT_LE(Size(), 6);
+      if (tried++ % 16 == 0) ExpectNextSaveIsGood();
+      ASSERT_FALSE(HasFailure()) << position << " " << static_cast<int>(damage);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace desk

@@ -1,0 +1,297 @@
+// The module and a plain model of it, through 100,000 random events: calls, updates, removals,
+// waiting, saving and power failures. Both must agree in everything that can be seen. Another seed
+// can be tried with the environment variable CALLLOG_SEED.
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <random>
+
+#include "PhoneTest.h"
+#include "PlainModel.h"
+#include "SettingTime.h"
+
+namespace desk {
+namespace {
+
+constexpr int kSteps = 100000;
+constexpr int kStepsBetweenFullChecks = 200;
+
+const std::map<std::string, std::string> kContacts = {
+    {"1001", "Bo"}, {"1002", "Bo"}, {"1003", "Zoë & Co"}};
+
+std::string DurationText(int seconds) {
+  const auto digits = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
+  if (seconds < 0) return "";
+  return digits(seconds / 3600) + ":" + digits(seconds / 60 % 60) + ":" + digits(seconds % 60);
+}
+
+class ModelTest : public PhoneTest {
+ protected:
+  ModelTest() {
+    desktop->accounts = Accounts({{1, "anna", "sip.example.org"}, {2, "quiet", "sip.example.org"}});
+    desktop->accounts.Find("quiet")->keeps_missed = false;
+    for (const auto& [number, name] : kContacts) desktop->contacts.Add({name, {number}, {}});
+  }
+
+  void Run(unsigned int seed);
+
+ private:
+  // A random number from 0 to `end` - 1, the same on every machine.
+  int Below(int end) { return static_cast<int>(random_() % static_cast<unsigned int>(end)); }
+  bool OneIn(int chances) { return Below(chances) == 0; }
+
+  std::string RandomBytes();
+  std::string RandomNumber();
+  std::string RandomTarget();
+  std::string RandomName();
+  CallLogAddItemData RandomCall();
+  int RandomRow(int view);
+
+  std::string Step();
+  void Update();
+  void RemoveSeveral();
+  void ReadNotifyLists();
+  void OpenList(int view);
+
+  void CheckDetails(int view, int first, int end);
+  void CheckCheapThings();
+  void CheckEverything();
+
+  std::mt19937 random_;
+  PlainModel model_;
+  int step_ = 0;
+  bool restarted_ = false;  // by the event of this step
+};
+
+std::string ModelTest::RandomBytes() {
+  static const std::string kPieces[] = {"\"",       "'",        "&",   "<",    ">",
+                                        "&lt;",     "&#0;",     "]]>", "\xC3", "\xE2\x82",
+                                        "\xF0\x9F", "\xC0\xAF", "é",   "😀",    "\uFFFD"};
+  std::string bytes;
+  for (int i = Below(9); i > 0; --i) {
+    if (OneIn(2)) {
+      bytes += kPieces[Below(static_cast<int>(std::size(kPieces)))];
+    } else {
+      bytes += static_cast<char>(1 + Below(255));
+    }
+  }
+  return bytes;
+}
+
+std::string ModelTest::RandomNumber() {
+  if (OneIn(40)) return RandomBytes();
+  return OneIn(40) ? "" : std::to_string(1000 + Below(40));
+}
+
+// Where calls are forwarded to: mostly to somebody who never calls.
+std::string ModelTest::RandomTarget() {
+  return OneIn(4) ? RandomNumber() : std::to_string(2000 + Below(5));
+}
+
+std::string ModelTest::RandomName() {
+  static const std::string kNames[] = {"", "", "", "Bo", "Anna", "1004", std::string("Z\0e", 3)};
+  return OneIn(8) ? RandomBytes() : kNames[Below(static_cast<int>(std::size(kNames)))];
+}
+
+CallLogAddItemData ModelTest::RandomCall() {
+  CallLogAddItemData call = MakeCall(1 + Below(4), RandomNumber());
+  if (OneIn(40)) call.type = OneIn(2) ? 0 : 5;
+  call.born_tick = kNow + step_ / 8 - Below(OneIn(5) ? 500 : 5);
+  if (OneIn(5000)) call.born_tick = OneIn(2) ? INT_MIN : INT_MAX;
+  call.duration = OneIn(10) ? -Below(3) : Below(400000);
+  if (OneIn(10)) call.local_sip_name = OneIn(2) ? "quiet" : RandomBytes();
+  if (OneIn(20)) call.remote_sip_server = RandomBytes();
+  call.remote_display_name = RandomName();
+  if (call.type == 4 || OneIn(20)) {
+    call.forward_sip_name = RandomTarget();
+    call.forward_display_name = RandomName();
+  }
+  return call;
+}
+
+// Mostly one that exists.
+int ModelTest::RandomRow(int view) {
+  return Below(static_cast<int>(model_.View(view).size()) + 3) - 1;
+}
+
+void ModelTest::Update() {
+  CallLogUpdateData contact;
+  contact.number_1 = OneIn(2) ? RandomNumber() : "";
+  contact.number_2 = OneIn(2) ? RandomNumber() : "";
+  contact.number_3 = OneIn(2) ? RandomTarget() : "";
+  contact.display_name = RandomName();
+  EXPECT_EQ(CallLog_UpdateLog(contact), 1);
+  model_.Update(contact);
+}
+
+void ModelTest::RemoveSeveral() {
+  const int view = Below(6);
+  std::list<int> rows;
+  for (int i = Below(5); i > 0; --i) rows.push_back(RandomRow(view));
+  EXPECT_EQ(Controller().RemoveLogList(Action(view), rows), 1);
+  model_.Remove(view, {rows.begin(), rows.end()});
+}
+
+void ModelTest::ReadNotifyLists() {
+  std::vector<std::pair<std::string, int>> rows;
+  MissedNotifyListData missed;
+  EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
+  for (const auto& row : missed.items) {
+    rows.emplace_back(row.display_name + ", " + row.number, row.count);
+  }
+  EXPECT_EQ(rows, model_.NewCallers(2));
+
+  rows.clear();
+  ForwardedNotifyList forwarded;
+  EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
+  for (const auto& row : forwarded.items) {
+    const std::string text = row.display_name + ", " + row.number + ", " + row.forward_display_name;
+    rows.emplace_back(text, row.count);
+  }
+  EXPECT_EQ(rows, model_.NewCallers(4));
+}
+
+void ModelTest::OpenList(int view) {
+  CallLogSimpleListData page;
+  page.request_index = RandomRow(view);
+  page.request_count = Below(9);
+  const bool refused = view > 4 || page.request_index < 0 || page.request_count < 1;
+  ASSERT_EQ(Controller().GetLogListByClickAction(&page, Action(view)), refused ? 0 : 1);
+  if (refused) {
+    EXPECT_TRUE(page.items.empty());
+    return;
+  }
+  const auto calls = model_.View(view);
+  EXPECT_EQ(page.total, static_cast<int>(calls.size()));
+  const auto first = static_cast<std::size_t>(page.request_index);
+  const auto count = static_cast<std::size_t>(page.request_count);
+  const std::size_t rows = first < calls.size() ? std::min(count, calls.size() - first) : 0;
+  ASSERT_EQ(page.items.size(), rows);
+  std::size_t row = first;
+  for (const CallLogSimpleData& item : page.items) {
+    const PlainCall& call = *calls[row++];
+    EXPECT_EQ(item.display_name, call.Name());
+    EXPECT_EQ(item.time_text, Setting_CallLogTime2String(call.born_tick, " "));
+    EXPECT_EQ(item.type, call.type);
+  }
+  model_.See(view);
+}
+
+// One random event; what it was.
+std::string ModelTest::Step() {
+  // At times nobody looks at the phone, so that many callers gather.
+  const bool attended = step_ / 500 % 2 == 0;
+  const int view = Below(6);
+  const int chance = Below(1000);
+  if (chance < 640) {
+    const CallLogAddItemData call = RandomCall();
+    EXPECT_EQ(CallLog_AddLog(call), model_.Add(call));
+    return "call";
+  }
+  if (chance < 720) return Update(), "update";
+  if (chance < 790) {
+    const int row = RandomRow(view);
+    EXPECT_EQ(Controller().RemoveLog(Action(view), row), model_.Remove(view, {row}));
+    return "remove";
+  }
+  if (chance < 820) return RemoveSeveral(), "remove several";
+  if (chance < 822) {
+    EXPECT_EQ(Controller().RemoveAllLogsByClickAction(Action(view)), 1);
+    model_.RemoveAll(view);
+    return "remove all";
+  }
+  if (chance < 862) {
+    const std::string number = RandomNumber();
+    const bool missed = OneIn(2);
+    (missed ? RemoveMissedDirtyByNumber : RemoveForwardDirtyByNumber)(number.c_str());
+    model_.DealWith(missed ? 2 : 4, number);
+    return "deal with a number";
+  }
+  if (chance < 872) return ReadNotifyLists(), "read notify lists";
+  if (chance < 920) return OpenList(attended || view % 2 == 1 ? view : 3), "open a list";
+  if (chance < 985) {
+    const Milliseconds span(Below(OneIn(25) ? 7000 : 90));
+    desktop->Advance(span);
+    model_.Wait(span);
+    return "wait";
+  }
+  if (chance < 988) {
+    EXPECT_EQ(Controller().SaveToFile(), model_.Save());
+    return "save";
+  }
+  if (chance < 990) {
+    PowerCycle();
+    model_.PowerCycle();
+    restarted_ = true;
+    return "power cycle";
+  }
+  model_.saving = !OneIn(8);
+  desktop->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
+  return "switch";
+}
+
+void ModelTest::CheckDetails(int view, int first, int end) {
+  const auto calls = model_.View(view);
+  for (int row = first; row < end; ++row) {
+    CallLogDetailData detail;
+    const bool exists = view <= 4 && row >= 0 && row < static_cast<int>(calls.size());
+    ASSERT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), row), exists ? 1 : 0);
+    if (!exists) continue;
+    const PlainCall& call = *calls[static_cast<std::size_t>(row)];
+    EXPECT_EQ(detail.display_name, call.remote_display_name);
+    EXPECT_EQ(detail.number, call.remote_sip_name);
+    EXPECT_EQ(detail.server, call.remote_sip_server);
+    EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
+    EXPECT_EQ(detail.duration_text, DurationText(call.duration));
+    EXPECT_EQ(detail.type, call.type);
+  }
+}
+
+void ModelTest::CheckCheapThings() {
+  EXPECT_TRUE(desktop->display == model_.Shown());
+  EXPECT_EQ(desktop->timers.NextDue(), model_.SaveAt());
+  EXPECT_EQ(CallLog_GetLastOutCall(), model_.LastNumber(true));
+  EXPECT_EQ(CallLog_GetLastNewInCall(), model_.LastNumber(false));
+  const int view = Below(6);
+  const int row = RandomRow(view);
+  CheckDetails(view, row, row + 2);
+}
+
+void ModelTest::CheckEverything() {
+  for (int view = 0; view <= 4; ++view) {
+    CheckDetails(view, -1, static_cast<int>(model_.View(view).size()) + 1);
+  }
+  ReadNotifyLists();
+  EXPECT_TRUE(ReadFile(HistoryFile()) == model_.File());
+}
+
+void ModelTest::Run(unsigned int seed) {
+  std::filesystem::remove(HistoryFile());
+  PowerCycle();
+  random_.seed(seed);
+  model_ = PlainModel();
+  model_.contacts = kContacts;
+  model_.withoutMissed = {"quiet@sip.example.org"};
+  model_.Wait(desktop->clock().Monotonic());
+  desktop->config["HistorySavedSwitch"] = 1;
+  for (step_ = 0; step_ < kSteps; ++step_) {
+    const bool waiting = model_.SaveAt().has_value();
+    restarted_ = false;
+    const std::string event = Step();
+    CheckCheapThings();
+    const bool saved = waiting && !model_.SaveAt();
+    if (saved || restarted_ || step_ % kStepsBetweenFullChecks == 0) CheckEverything();
+    if (HasFailure()) {
+      FAIL() << "seed " << seed << ", step " << step_ << ": " << event;
+    }
+  }
+}
+
+TEST_F(ModelTest, AgreesWithTheModule) {
+  Run(20261007);
+  const char* const seed = std::getenv("CALLLOG_SEED");
+  if (seed != nullptr) Run(static_cast<unsigned int>(std::strtoul(seed, nullptr, 10)));
+}
+
+}  // namespace
+}  // namespace desk
