@@ -16,23 +16,24 @@ int TypeOf(const std::string& action) {
 
 }  // namespace
 
-std::unique_ptr<CCallLogController> CCallLogController::m_pInst;
+CCallLogController* CCallLogController::m_pInst = nullptr;
 
 CCallLogController::CCallLogController() = default;
 CCallLogController::~CCallLogController() = default;
 
 CCallLogController* CCallLogController::GetInstance() {
   if (m_pInst == nullptr) {
-    m_pInst.reset(new CCallLogController);
+    m_pInst = new CCallLogController;
     m_pInst->MyInit();
   }
-  return m_pInst.get();
+  return m_pInst;
 }
 
 void CCallLogController::ReleaseInstance() {
   if (m_pInst == nullptr) return;
   m_pInst->MyFinal();
-  m_pInst.reset();
+  delete m_pInst;
+  m_pInst = nullptr;
 }
 
 bool CCallLogController::MyInit() {

@@ -179,14 +179,13 @@ int CCallLogModel::AddLog(const CallLogAddItemData& call) {
   return result;
 }
 
-// Takes a record out; what was new about it no longer counts.
-CCallLogModel::LogList::iterator CCallLogModel::MyEraseLog(LogList::iterator position) {
-  if (IsNew(**position, kMissed)) {
+// A record is about to go; what was new about it no longer counts.
+void CCallLogModel::MyForgetNew(const ItemData& item) {
+  if (IsNew(item, kMissed)) {
     MyAddMissedCall(-1);
-  } else if (IsNew(**position, kForwarded)) {
+  } else if (IsNew(item, kForwarded)) {
     MyAddForwardedCall(-1);
   }
-  return m_listLog.erase(position);
 }
 
 int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
@@ -201,7 +200,8 @@ int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
   auto place = m_listLog.end();
   for (auto it = m_listLog.begin(); it != m_listLog.end();) {
     if ((*it)->type == item.type && ++sameType >= kMaxRecordsPerType) {
-      it = MyEraseLog(it);
+      MyForgetNew(**it);
+      it = m_listLog.erase(it);
       continue;
     }
     if (place == m_listLog.end() && (*it)->born_tick < item.born_tick) place = it;
@@ -232,8 +232,9 @@ bool CCallLogModel::RemoveLog(int type, int index) {
   int row = -1;
   for (auto it = m_listLog.begin(); it != m_listLog.end(); ++it) {
     if (!IsInView(**it, type) || ++row != index) continue;
-    MyEraseLog(it);
+    MyForgetNew(**it);
     MyCheckStatus(type);
+    m_listLog.erase(it);
     MySetDirty(true);
     return true;
   }
@@ -251,7 +252,8 @@ bool CCallLogModel::RemoveLogList(int type, const std::list<int>& indexes) {
     if (wanted == pending.end()) {
       ++it;
     } else {
-      it = MyEraseLog(it);
+      MyForgetNew(**it);
+      it = m_listLog.erase(it);
       pending.erase(wanted);
       removed = true;
     }

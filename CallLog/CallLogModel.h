@@ -73,7 +73,7 @@ class CCallLogModel {
 
   int MyInsertLog(const ItemData& item, bool setDirty);
   void MyClearLogListByType(int type);
-  LogList::iterator MyEraseLog(LogList::iterator position);
+  void MyForgetNew(const ItemData& item);
 
   bool MyLoadDataFromFile();
   void MySetDirty(bool bDirty);

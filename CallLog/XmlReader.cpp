@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -35,9 +34,9 @@ class FileDescriptor {
   int fd_;
 };
 
-// Reads a regular file up to its first NUL, where TinyXML would stop too. TinyXML counts in int, so
-// no file of 2 GiB or more; what the module writes stays far below.
-bool ReadTextFile(const std::string& path, std::string* bytes) {
+// Reads a regular file that may be XML; a big one that is something else is left at its start. A
+// history of 2 GiB would not fit into the phone that writes it.
+bool ReadXmlBytes(const std::string& path, std::string* bytes) {
   const FileDescriptor file(path);
   struct stat status {};
   if (file.get() < 0 || fstat(file.get(), &status) != 0) return false;
@@ -47,10 +46,11 @@ bool ReadTextFile(const std::string& path, std::string* bytes) {
     const ssize_t count = read(file.get(), chunk.data(), chunk.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;
-    const auto length = static_cast<std::size_t>(count);
-    const std::size_t text = strnlen(chunk.data(), length);
-    bytes->append(chunk.data(), text);
-    if (count == 0 || text < length) return true;
+    const std::string_view text(chunk.data(), static_cast<std::size_t>(count));
+    if (bytes->empty() && text.find('<') == std::string_view::npos) return false;
+    const bool hole = text.find_first_not_of('\0') == std::string_view::npos;
+    if (hole) return true;  // the end, or what a file system leaves behind it after a power cut
+    bytes->append(text);
   }
 }
 
@@ -72,6 +72,7 @@ class PlainXmlWriter {
  private:
   bool Starts(std::string_view prefix) const { return rest_.substr(0, prefix.size()) == prefix; }
   void SkipSpaces();
+  bool SkipBadByte();
   void SkipPast(std::string_view end);
   void SkipDeclaration();
   bool CopyNode();
@@ -82,21 +83,23 @@ class PlainXmlWriter {
   bool CopyAttribute();
   bool CopyName(std::string_view ends);
   bool CopyUntil(char end);
-  bool CopyReference();
+  void CopyAmpersand();
+  std::size_t ReferenceLength(char32_t* character) const;
 
   std::string_view rest_;
   std::string* const out_;
   int depth_ = 0;
 };
 
-// Behind the root element nothing but further nodes counts, as in TinyXML: other text ends the
-// document.
+// Behind the root element nothing but further nodes counts, as in TinyXML: text ends the document
+// there.
 bool PlainXmlWriter::Run() {
   if (Starts("\xEF\xBB\xBF")) rest_.remove_prefix(3);
   bool anything = false;
   for (;;) {
     if (depth_ == 0) {
       SkipSpaces();
+      while (out_->empty() && SkipBadByte()) SkipSpaces();
       if (rest_.empty() || rest_.front() != '<') return anything;
     } else if (!CopyUntil('<')) {
       return false;
@@ -108,6 +111,16 @@ bool PlainXmlWriter::Run() {
 
 void PlainXmlWriter::SkipSpaces() {
   while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
+}
+
+// Between tags and attributes a byte that is no character is passed over.
+bool PlainXmlWriter::SkipBadByte() {
+  if (rest_.empty()) return false;
+  std::string character;
+  const std::size_t length = AppendXmlCharacter(rest_, &character);
+  if (character != kReplacementCharacter) return false;
+  rest_.remove_prefix(length);
+  return true;
 }
 
 void PlainXmlWriter::SkipPast(std::string_view end) {
@@ -183,7 +196,8 @@ bool PlainXmlWriter::CopyCloseTag() {
 // From behind the element's name to the end of its tag.
 bool PlainXmlWriter::CopyAttributes() {
   for (int count = 0;; ++count) {
-    SkipSpaces();
+    do SkipSpaces();
+    while (SkipBadByte());
     if (Starts("/>")) {
       out_->append("/>");
       rest_.remove_prefix(2);
@@ -216,15 +230,17 @@ bool PlainXmlWriter::CopyAttribute() {
   return true;
 }
 
-// A name, which ends at white space or at one of `ends`. What begins otherwise would be no element
-// for TinyXML.
+// A name, which ends at white space or at one of `ends`; bytes that are no character drop out. What
+// begins otherwise than a name would be no element for TinyXML.
 bool PlainXmlWriter::CopyName(std::string_view ends) {
+  while (SkipBadByte()) {
+  }
   if (rest_.empty() || !IsNameStart(rest_.front())) return false;
   while (!rest_.empty() && !IsSpace(rest_.front()) &&
          ends.find(rest_.front()) == std::string_view::npos) {
     constexpr std::string_view kNotInNames = "<>\"'=&/!?";
     if (kNotInNames.find(rest_.front()) != std::string_view::npos) return false;
-    rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
+    if (!SkipBadByte()) rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
   }
   return true;
 }
@@ -232,8 +248,8 @@ bool PlainXmlWriter::CopyName(std::string_view ends) {
 // Text up to `end`, which stays; false when the document ends first.
 bool PlainXmlWriter::CopyUntil(char end) {
   while (!rest_.empty() && rest_.front() != end) {
-    if (Starts("&#")) {
-      if (!CopyReference()) return false;
+    if (rest_.front() == '&') {
+      CopyAmpersand();
     } else {
       rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
     }
@@ -241,36 +257,50 @@ bool PlainXmlWriter::CopyUntil(char end) {
   return !rest_.empty();
 }
 
-// "&#233;" or "&#xE9;". TinyXML looks for the semicolon as far as the document's end, and makes
-// bytes of any number.
-bool PlainXmlWriter::CopyReference() {
-  std::size_t position = 2;
-  const bool hexadecimal = rest_.size() > position && rest_[position] == 'x';
-  const std::string_view digits = hexadecimal ? "0123456789abcdefABCDEF" : "0123456789";
-  if (hexadecimal) ++position;
-  const std::size_t end = rest_.find_first_not_of(digits, position);
-  if (end == position || end == std::string_view::npos || rest_[end] != ';') return false;
-  const char32_t base = hexadecimal ? 16 : 10;
-  char32_t character = 0;
-  for (; position < end && character <= 0x10FFFF; ++position) {
-    const std::size_t value = digits.find(rest_[position]);
-    const std::size_t digit = value < 16 ? value : value - 6;  // "A" stands behind "f"
-    character = character * base + static_cast<char32_t>(digit);
+// A reference, or an ampersand that stands for itself. No other may reach TinyXML: behind "&#" it
+// looks for a semicolon as far as the document's end, and swallows the tags on the way.
+void PlainXmlWriter::CopyAmpersand() {
+  for (const std::string_view entity : {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"}) {
+    if (!Starts(entity)) continue;
+    out_->append(entity);
+    rest_.remove_prefix(entity.size());
+    return;
   }
-  if (IsXmlCharacter(character)) {
-    out_->append(rest_.substr(0, end + 1));
+  char32_t character = 0;
+  const std::size_t length = ReferenceLength(&character);
+  if (length == 0) {
+    out_->append("&amp;");
+  } else if (IsXmlCharacter(character)) {
+    out_->append(rest_.substr(0, length));
   } else {
     out_->append(kReplacementCharacter);
   }
-  rest_.remove_prefix(end + 1);
-  return true;
+  rest_.remove_prefix(length > 0 ? length : 1);
+}
+
+// Length of the "&#233;" or "&#xE9;" at the start, 0 when there is none; and the character it
+// stands for.
+std::size_t PlainXmlWriter::ReferenceLength(char32_t* character) const {
+  if (!Starts("&#")) return 0;
+  const bool hexadecimal = Starts("&#x");
+  const std::string_view digits = hexadecimal ? "0123456789abcdefABCDEF" : "0123456789";
+  const std::size_t begin = hexadecimal ? 3 : 2;
+  const std::size_t end = rest_.find_first_not_of(digits, begin);
+  if (end == begin || end == std::string_view::npos || rest_[end] != ';') return 0;
+  const char32_t base = hexadecimal ? 16 : 10;
+  for (std::size_t i = begin; i < end && *character <= 0x10FFFF; ++i) {
+    const std::size_t value = digits.find(rest_[i]);
+    const std::size_t digit = value < 16 ? value : value - 6;  // "A" stands behind "f"
+    *character = *character * base + static_cast<char32_t>(digit);
+  }
+  return end + 1;
 }
 
 bool LoadChecked(TiXmlDocument* document, const std::string& path) {
   std::string plain;
   {
     std::string bytes;
-    if (!ReadTextFile(path, &bytes) || !ToPlainXml(bytes, &plain)) return false;
+    if (!ReadXmlBytes(path, &bytes) || !ToPlainXml(bytes, &plain)) return false;
   }
   if (plain.empty()) return true;
   document->SetTabSize(0);  // rows and columns are of no use here and cost time

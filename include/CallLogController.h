@@ -70,7 +70,8 @@ class CCallLogController {
   // also when the disk refused it (nothing reports that); 0 when there was nothing to write.
   CALLLOG_EXPORT int SaveToFile();
 
-  // Append the new missed (forwarded) calls by caller; nothing counts as seen by it. 1; 0 for null.
+  // Append the new missed (forwarded) calls by caller; nothing counts as seen by it. Rows that are
+  // in the list already are counted up. 1; 0 for null.
   CALLLOG_EXPORT int GetMissedNotifyList(MissedNotifyListData* list) const;
   CALLLOG_EXPORT int GetForwardedNotifyList(ForwardedNotifyList* list) const;
 
@@ -83,16 +84,16 @@ class CCallLogController {
   CALLLOG_EXPORT void RemoveMissedDirtyByNumber(const std::string& number);
   CALLLOG_EXPORT void RemoveForwardDirtyByNumber(const std::string& number);
 
-  ~CCallLogController();
   CCallLogController(const CCallLogController&) = delete;
   CCallLogController& operator=(const CCallLogController&) = delete;
 
  private:
   CCallLogController();
+  ~CCallLogController();
   bool MyInit();
   bool MyFinal();
 
-  static std::unique_ptr<CCallLogController> m_pInst;
+  static CCallLogController* m_pInst;
   std::unique_ptr<CCallLogModel> m_pModel;
 };
 

@@ -60,8 +60,8 @@ class CallLogUpdateData {
 class CallLogSimpleData {
  public:
   std::string display_name;  // name, or the number where there is no name
-  std::string time_text;     // time of the call, as the platform shows it in lists
-  int type;                  // call type; 0 where the source has none
+  std::string time_text;  // time of the call; the local history: as the platform shows it in lists
+  int type;               // call type; 0 where the source has none
 
   CallLogSimpleData() { Reset(); }
 
@@ -135,6 +135,8 @@ class MissedCallData {
 class MissedNotifyListData {
  public:
   std::list<MissedCallData> items;
+
+  void Reset() { items.clear(); }
 };
 
 // One caller in the list of new forwarded calls. Rows differ by display_name alone.
@@ -159,4 +161,6 @@ class ForwardedCallData {
 class ForwardedNotifyList {
  public:
   std::list<ForwardedCallData> items;
+
+  void Reset() { items.clear(); }
 };

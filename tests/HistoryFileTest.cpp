@@ -270,7 +270,7 @@ TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
   const std::pair<std::string, std::string> names[] = {
       {"&lt;&gt;&amp;&quot;&apos;&#65;&#x42;&#xe9;&#x1F600;", "<>&\"'AB\u00E9\U0001F600"},
       {"&#0;&#1;&#xD800;&#xFFFE;&#99999999999999999999;", Repeat("\uFFFD", 5)},
-      {"&foo; & b", "foo;  b"},
+      {"&foo; & b &#; &#65 &#x &", "&foo; & b &#; &#65 &#x &"},
       {"a<b\n\r\nc\xC3", "a<b\n\r\nc\uFFFD"}};
   for (const auto& [text, name] : names) {
     EXPECT_EQ(Rewritten(Root(nameAt(text, 0))), FileText({Call(name)})) << text;
@@ -305,7 +305,6 @@ TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
       open + "\xF0\x9F",
       open + "<item type='&#6",
       std::string("\xFF\xFE<\0r\0o\0o\0t\0", 12),
-      open + std::string("\0", 1) + close,
       open,
       open + "</root>",
       close,
@@ -319,8 +318,6 @@ TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
       open + "<item / type='1'/>" + close,
       open + "< type='1'/>" + close,
       open + "<it<em/>" + close,
-      open + "<item type='&#;'/>" + close,
-      open + "<item type='&#65'/>" + close,
       open + "<![CDATA[ ]>" + close,
       open + Repeat("<x>", 64) + Repeat("</x>", 64) + close,
       Repeat("<item>", 1000000),
@@ -334,6 +331,31 @@ TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
     EXPECT_EQ(ReadFile(HistoryFile()), bytes) << "only a save changes the file";
     EXPECT_EQ(Rewritten(bytes), kHeader + "<root_call_log/>\n\n");
     ExpectNextSaveIsGood();
+  }
+}
+
+// What is dropped in front of TinyXML must not join into something else for it: a reference, say,
+// that swallows tags as far as the next semicolon.
+TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
+  constexpr int kMany = 100000;
+  std::string attributes;
+  for (int i = 0; i < kMany; ++i) attributes += " a" + std::to_string(i) + "='1'";
+  const std::string files[] = {
+      Root(Repeat("<a>&<!---->#</a>#65;", kMany) + "<item/>"),
+      Root(Repeat("<a>&<?x?>#x</a>41;", kMany) + "<item/>"),
+      Root("&<!---->#<b x=\"#65;<z" + attributes + "/>\"/><item/>"),
+      Root("&<![CDATA[#]]><b x=\"#65;<z" + attributes + "/>\"/><item/>"),
+      Root(Repeat("&#", kMany) + "<item/>"),
+      Root("<item remote_sip_name='" + Repeat("&#x", kMany) + "'/>"),
+      "\xFF\n\xC3" + Root("\xC3<it\xFF"
+                          "em \xC3 type\x01='1' \xE2\x82/>\x80"),
+  };
+  for (const std::string& bytes : files) {
+    SCOPED_TRACE(bytes.substr(0, 100));
+    const auto start = std::chrono::steady_clock::now();
+    StartWith(bytes);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(Size(), 1);
   }
 }
 

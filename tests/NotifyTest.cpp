@@ -160,7 +160,8 @@ TEST_F(NotifyTest, ARemovalIsPublishedAndThenSaved) {
     all(0)();
     for (int i = 8; i >= 0; --i) {
       const std::string number = every.substr(static_cast<std::size_t>(3 * i), 2);
-      Add(1 + static_cast<int>(std::string("omrf").find(number[0])), number, kNow - i);
+      const auto type = static_cast<int>(std::string(" omrf").find(number[0]));
+      Add(type, number, kNow - i);
       if (i == 7) Names(0);
     }
     Run({step});
