@@ -1,6 +1,7 @@
 // Tests of the new missed and forwarded calls: how they are counted, what is published of them and
 // in which order, what makes them seen, and the two lists of callers.
 #include <functional>
+#include <map>
 
 #include "PhoneTest.h"
 
@@ -159,8 +160,9 @@ TEST_F(NotifyTest, ARemovalIsPublishedAndThenSaved) {
     SCOPED_TRACE(left);
     all(0)();
     for (int i = 8; i >= 0; --i) {
-      const std::string number = every.substr(static_cast<std::size_t>(3 * i), 2);
-      const auto type = static_cast<int>(std::string(" omrf").find(number[0]));
+      const std::string number = every.substr(3 * static_cast<std::size_t>(i), 2);
+      const std::map<char, int> types = {{'o', 1}, {'m', 2}, {'r', 3}, {'f', 4}};
+      const int type = types.at(number[0]);
       Add(type, number, kNow - i);
       if (i == 7) Names(0);
     }
