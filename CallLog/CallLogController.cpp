@@ -2,12 +2,17 @@
 
 #include "CallLogModel.h"
 #include "CommonAPI.h"
+#include "Directory.h"
 #include "EtlMsgHandler.h"
+#include "TalkLogic.h"
 
 namespace NS_CALLLOG {
 namespace {
 
 constexpr unsigned int kTimerMessage = 0x8113;
+
+constexpr char kRedialAction[] = "OpenSubPage(call_log_2)";
+constexpr int kDefaultAccount = -1;
 
 // The call type that a click action names; negative when it names none.
 int TypeOf(const std::string& action) {
@@ -86,6 +91,15 @@ int CCallLogController::RemoveAllLogsByClickAction(const std::string& action) {
   return m_pModel->RemoveAllLogs(type);
 }
 
+void CCallLogController::RedialNumberByClickAction(const std::string& action) {
+  if (action != kRedialAction) return;
+  const std::string number = GetLastOutCall();
+  if (number.empty()) return;
+  std::string name = Directory_GetContactNameByNumber(number.c_str());
+  if (name.empty()) name = number;
+  talkLogic_CallOut(number, name, m_pModel->GetLastOutCallAccounId());
+}
+
 std::string CCallLogController::GetLastNewInCall() const {
   return m_pModel != nullptr ? m_pModel->GetLastNewInCall() : std::string();
 }
@@ -106,7 +120,27 @@ int CCallLogController::UpdateLog(const CallLogUpdateData& contact) {
   return m_pModel != nullptr ? m_pModel->UpdateLog(contact) : 0;
 }
 
+int CCallLogController::ResetLogContactName() {
+  return m_pModel != nullptr ? m_pModel->ResetLogContactName() : 0;
+}
+
+void CCallLogController::UpdateDispName(const std::list<SuperSearchItemData>& names) {
+  if (m_pModel != nullptr) m_pModel->UpdateDispName(names);
+}
+
 int CCallLogController::SaveToFile() { return m_pModel != nullptr ? m_pModel->SaveToFile() : 0; }
+
+int CCallLogController::Search(CallLogSearchListData* page, const std::string& key) {
+  return m_pModel != nullptr ? m_pModel->Search(page, key) : 0;
+}
+
+int CCallLogController::SearchRecentOutCall(CallLogSearchListData* page) const {
+  return m_pModel != nullptr ? m_pModel->SearchRecentOutCall(page) : 0;
+}
+
+int CCallLogController::SearchRecentOutCall(SuperSearchListData* page) const {
+  return m_pModel != nullptr ? m_pModel->SearchRecentOutCall(page) : 0;
+}
 
 int CCallLogController::GetMissedNotifyList(MissedNotifyListData* list) const {
   return m_pModel != nullptr ? m_pModel->GetMissedNotifyList(list) : 0;
@@ -130,6 +164,19 @@ void CCallLogController::RemoveMissedDirtyByNumber(const std::string& number) {
 
 void CCallLogController::RemoveForwardDirtyByNumber(const std::string& number) {
   if (m_pModel != nullptr) m_pModel->RemoveForwardDirtyByNumber(number);
+}
+
+bool CCallLogController::GetContactDataByNumber(ContactGeneralItemData* contact,
+                                                const std::string& number) const {
+  return Directory_GetContactDataByNumber(contact, number.c_str());
+}
+
+bool CCallLogController::CallOut(const std::string& number, const std::string& name) {
+  return talkLogic_CallOut(number, name, kDefaultAccount);
+}
+
+void CCallLogController::EnterTalkUI(const std::string& number) {
+  talkLogic_EnterDialUI(number, kDefaultAccount, true);
 }
 
 }  // namespace NS_CALLLOG

@@ -1,6 +1,7 @@
 // The exported functions: each obtains its controller and forwards.
 #include "CallLog.h"
 
+using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
 
 int CallLog_AddLog(const CallLogAddItemData& call) {
@@ -13,6 +14,26 @@ int CallLog_UpdateLog(const CallLogUpdateData& contact) {
   return controller != nullptr ? controller->UpdateLog(contact) : 0;
 }
 
+int CallLog_ResetLogContactName() {
+  auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->ResetLogContactName() : 0;
+}
+
+int CallLog_Search(CallLogSearchListData* page, const std::string& key) {
+  auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->Search(page, key) : 0;
+}
+
+int CallLog_SearchRecentOutCall(CallLogSearchListData* page) {
+  const auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->SearchRecentOutCall(page) : 0;
+}
+
+int CallLog_SuperSearchRecentOutCall(SuperSearchListData* page) {
+  const auto* const controller = CCallLogController::GetInstance();
+  return controller != nullptr ? controller->SearchRecentOutCall(page) : 0;
+}
+
 std::string CallLog_GetLastNewInCall() {
   const auto* const controller = CCallLogController::GetInstance();
   return controller != nullptr ? controller->GetLastNewInCall() : std::string();
@@ -21,6 +42,18 @@ std::string CallLog_GetLastNewInCall() {
 std::string CallLog_GetLastOutCall() {
   const auto* const controller = CCallLogController::GetInstance();
   return controller != nullptr ? controller->GetLastOutCall() : std::string();
+}
+
+int CallLog_IsBroadSoftCallLogConfigured() {
+  const auto* const controller = CBSCallLogController::GetInstance();
+  return controller != nullptr && controller->IsBroadSoftCallLogConfigured() ? 1 : 0;
+}
+
+int CallLog_IsOtherLocalCallLogConfigured() { return CallLog_IsBroadSoftCallLogConfigured(); }
+
+std::string CallLog_GetBSCallLogDisplayName() {
+  auto* const controller = CBSCallLogController::GetInstance();
+  return controller != nullptr ? controller->GetBSCallLogDisplayName() : std::string();
 }
 
 void RemoveMissedDirtyByNumber(const char* number) {

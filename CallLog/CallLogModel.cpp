@@ -7,6 +7,7 @@
 #include <new>
 
 #include "AccountManager.h"
+#include "CallLogSearchHelper.h"
 #include "CommonAPI.h"
 #include "CommonUnits.h"
 #include "ConfigParser.h"
@@ -133,7 +134,10 @@ CCallLogModel::CCallLogModel() { MyInit(); }
 
 CCallLogModel::~CCallLogModel() { MyFinal(); }
 
-bool CCallLogModel::MyInit() { return MyLoadDataFromFile(); }
+bool CCallLogModel::MyInit() {
+  if (m_pSearchHelper == nullptr) m_pSearchHelper = std::make_unique<CCallLogSearchHelper>();
+  return MyLoadDataFromFile();
+}
 
 bool CCallLogModel::MyFinal() {
   m_listLog.clear();
@@ -277,7 +281,9 @@ void CCallLogModel::MyClearLogListByType(int type) {
 
 // History file
 
+// The search holds pointers to records: every change makes it forget them.
 void CCallLogModel::MySetDirty(bool bDirty) {
+  if (bDirty && m_pSearchHelper != nullptr) m_pSearchHelper->ResetKey();
   if (m_bDirty == bDirty) return;
   m_bDirty = bDirty;
   if (m_bDirty) timerSetThreadTimer(kSaveTimer, kSaveDelay);
@@ -481,6 +487,52 @@ int CCallLogModel::GetLastOutCallAccounId() {
     if (account != nullptr && account->IsAccountUsable()) return account->GetAccountId();
   }
   return -1;
+}
+
+// Contact names
+
+bool CCallLogModel::ResetLogContactName() {
+  for (const auto& item : m_listLog) {
+    item->remote_display_name = item->remote_sip_name;
+    if (item->type == kForwarded) item->forward_display_name = item->forward_sip_name;
+  }
+  const bool bDirty = !m_listLog.empty();
+  etlTrace(3, "CCallLogModel::ResetLogContactName: -------- bDirty = %d", bDirty ? 1 : 0);
+  if (bDirty) MySetDirty(true);
+  return true;
+}
+
+void CCallLogModel::UpdateDispName(const std::list<SuperSearchItemData>& names) {
+  etlTrace(3, "CCallLogModel::UpdateDispName update begin");
+  bool changed = false;
+  for (const SuperSearchItemData& entry : names) {
+    for (const auto& item : m_listLog) {
+      if (item->remote_sip_name == entry.number) {
+        item->remote_display_name = entry.display_name;
+        changed = true;
+      }
+      if (item->forward_sip_name == entry.number) {
+        item->forward_display_name = entry.display_name;
+        changed = true;
+      }
+    }
+  }
+  if (changed) MySetDirty(true);
+  etlTrace(3, "CCallLogModel::UpdateDispName update end");
+}
+
+// Search
+
+bool CCallLogModel::Search(CallLogSearchListData* result, const std::string& key) {
+  return m_pSearchHelper != nullptr && m_pSearchHelper->Search(result, key);
+}
+
+bool CCallLogModel::SearchRecentOutCall(CallLogSearchListData* result) const {
+  return m_pSearchHelper != nullptr && m_pSearchHelper->SearchRecentOutCall(result);
+}
+
+bool CCallLogModel::SearchRecentOutCall(SuperSearchListData* result) const {
+  return m_pSearchHelper != nullptr && m_pSearchHelper->SearchRecentOutCall(result);
 }
 
 }  // namespace NS_CALLLOG

@@ -14,6 +14,8 @@ class msgObject;
 
 namespace NS_CALLLOG {
 
+class CCallLogSearchHelper;
+
 class CCallLogModel {
  public:
   // One stored call.
@@ -36,6 +38,8 @@ class CCallLogModel {
     ItemData() { Reset(); }
     void Reset();
   };
+
+  using LogList = std::list<std::unique_ptr<ItemData>>;
 
   CCallLogModel();
   ~CCallLogModel();
@@ -65,8 +69,15 @@ class CCallLogModel {
   std::string GetLastOutCall() const;
   int GetLastOutCallAccounId();
 
+  bool ResetLogContactName();
+  void UpdateDispName(const std::list<SuperSearchItemData>& names);
+
+  bool Search(CallLogSearchListData* result, const std::string& key);
+  bool SearchRecentOutCall(CallLogSearchListData* result) const;
+  bool SearchRecentOutCall(SuperSearchListData* result) const;
+
  private:
-  using LogList = std::list<std::unique_ptr<ItemData>>;
+  friend class CCallLogSearchHelper;  // reads m_listLog
 
   bool MyInit();
   bool MyFinal();
@@ -92,6 +103,7 @@ class CCallLogModel {
   std::string MyGenDurationString(int seconds) const;
 
   LogList m_listLog;  // all types, by born_tick, newest first; no entry is null
+  std::unique_ptr<CCallLogSearchHelper> m_pSearchHelper;
   int m_nMissedCount = 0;
   int m_nForwardCount = 0;
   bool m_bDirty = false;

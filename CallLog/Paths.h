@@ -10,6 +10,9 @@ namespace NS_CALLLOG {
 
 inline constexpr char kConfigDirectory[] = CALLLOG_PATH_ROOT "/config/data/";
 inline constexpr char kHistoryFileName[] = "call_data.xml";
+inline constexpr char kSourcesFileName[] = "broadsoft_calllog_list.xml";
+inline constexpr char kTemporaryDirectory[] = CALLLOG_PATH_ROOT "/tmp/";
+inline constexpr char kDownloadFileName[] = "BroadSoftCallLog.xml";  // of every transfer
 inline constexpr char kIconDirectory[] = CALLLOG_PATH_ROOT "/phone/resource/default/";
 
 }  // namespace NS_CALLLOG

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "XmlChars.h"
+#include "XmlEncoding.h"
 
 namespace NS_CALLLOG {
 namespace {
@@ -300,7 +301,9 @@ bool LoadChecked(TiXmlDocument* document, const std::string& path) {
   std::string plain;
   {
     std::string bytes;
-    if (!ReadXmlBytes(path, &bytes) || !ToPlainXml(bytes, &plain)) return false;
+    if (!ReadXmlBytes(path, &bytes)) return false;
+    DecodeSingleByteXml(&bytes);
+    if (!ToPlainXml(bytes, &plain)) return false;
   }
   if (plain.empty()) return true;
   document->SetTabSize(0);  // rows and columns are of no use here and cost time

@@ -15,8 +15,8 @@ inline constexpr int kMaxXmlAttributes = 64;
 
 // Loads the file at `path` into the new `document`. False when it cannot be loaded: no regular
 // file, not readable, out of memory, not well-formed, or beyond the limits above. A document
-// without a root element can be loaded. Malformed UTF-8 and characters that XML forbids arrive as
-// U+FFFD.
+// without a root element can be loaded. Text arrives as UTF-8, also from a document that declares
+// ISO-8859-1 or windows-1252. Malformed UTF-8 and characters that XML forbids arrive as U+FFFD.
 bool LoadXmlFile(TiXmlDocument* document, const std::string& path);
 
 // Turns the bytes of a document into what TinyXML can be handed safely: UTF-8, elements, attributes

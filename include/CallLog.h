@@ -13,6 +13,7 @@
 // Failures are results, never exceptions.
 #pragma once
 
+#include "BSCallLogController.h"
 #include "CallLogController.h"
 #include "CallLogExport.h"
 #include "CallLogRecords.h"
@@ -30,11 +31,42 @@ CALLLOG_EXPORT int CallLog_AddLog(const CallLogAddItemData& call);
 // Gives every stored call of a contact's numbers the contact's name. Always 1.
 CALLLOG_EXPORT int CallLog_UpdateLog(const CallLogUpdateData& contact);
 
+// Forgets every contact's name: each stored call shows its number again. Always 1.
+CALLLOG_EXPORT int CallLog_ResetLogContactName();
+
+// Fills one page of the calls whose number, or name spelled on the key pad, begins with `key` (when
+// the key begins with a digit, "*" or "#"), or whose name begins with it (otherwise). Letter case
+// and accents are the platform's concern. Each name and number stands once, ordered by name and
+// number. Asking again with the same or a longer key is cheap until the history changes. 1: filled.
+// 0: null page, empty key (which drops the held search), a key of which the platform's conversion
+// leaves nothing, or a page refused by the platform.
+CALLLOG_EXPORT int CallLog_Search(CallLogSearchListData* page, const std::string& key);
+
+// Fills one page of the dialled numbers, most dialled first, of equally many calls the last dialled
+// first. 1: filled. 0: null page, or a page refused by the platform.
+CALLLOG_EXPORT int CallLog_SearchRecentOutCall(CallLogSearchListData* page);
+
+// The same, cut to the ten most dialled numbers.
+CALLLOG_EXPORT int CallLog_SuperSearchRecentOutCall(SuperSearchListData* page);
+
 // The user has dealt with the missed (forwarded) calls from `number`: they are no longer new, and
 // the idle screen, LED and backlight follow. Numbers are compared byte for byte with the caller's
 // number. Null does nothing, and does not create the controller.
 CALLLOG_EXPORT void RemoveMissedDirtyByNumber(const char* number);
 CALLLOG_EXPORT void RemoveForwardDirtyByNumber(const char* number);
+
+// 1 when the configuration value "BDDirectoryShowSwitch" is 1 and some source of server call logs
+// has a name, else 0. The two are the same question. The first call creates the server controller,
+// and with it loads the sources.
+CALLLOG_EXPORT int CallLog_IsBroadSoftCallLogConfigured();
+CALLLOG_EXPORT int CallLog_IsOtherLocalCallLogConfigured();
+
+// Registers the module for the platform's configuration-change message 0x10007; call it once, at
+// start-up. Item 0x28 reloads the sources of the server call logs, sets the title of their menu
+// entry, sends 0x914 to the application and replies 1. Item 0x47 goes to the local history as the
+// click action "OpenCallLogPage(local_contact_1)", without a reply. Nothing unregisters it.
+// Always 1.
+CALLLOG_EXPORT int CallLog_RegisterMessage();
 
 }  // extern "C"
 
@@ -43,3 +75,6 @@ CALLLOG_EXPORT std::string CallLog_GetLastNewInCall();
 
 // Number of the newest outgoing call; empty when there is none.
 CALLLOG_EXPORT std::string CallLog_GetLastOutCall();
+
+// The name under which the menu shows the server call logs; empty when none is set.
+CALLLOG_EXPORT std::string CallLog_GetBSCallLogDisplayName();

@@ -12,9 +12,12 @@ namespace ETL_MsgQueueHelper {
 class msgObject;
 }
 
+class ContactGeneralItemData;
+
 namespace NS_CALLLOG {
 
 class CCallLogModel;
+class CCallLogSearchHelper;
 
 // One per process. An `action` below is a click action such as "OpenSubPage(call_log_2)": the
 // number behind "call_log_" is the call type. An operation that takes one returns 0 when the action
@@ -55,6 +58,12 @@ class CCallLogController {
   // Removes every call of the type, every call for 0, and saves later even when there was none. 1.
   CALLLOG_EXPORT int RemoveAllLogsByClickAction(const std::string& action);
 
+  // Redials: calls the number of the newest outgoing call, under the name that the directory has
+  // for it now (else the number), through the account of the newest outgoing call whose account can
+  // be used (else the default account). Acts on "OpenSubPage(call_log_2)" only, and on nothing when
+  // there is no outgoing call.
+  CALLLOG_EXPORT void RedialNumberByClickAction(const std::string& action);
+
   // As CallLog_GetLastNewInCall and CallLog_GetLastOutCall.
   CALLLOG_EXPORT std::string GetLastNewInCall() const;
   CALLLOG_EXPORT std::string GetLastOutCall() const;
@@ -66,9 +75,22 @@ class CCallLogController {
   CALLLOG_EXPORT int AddLog(const CallLogAddItemData& call);
   CALLLOG_EXPORT int UpdateLog(const CallLogUpdateData& contact);
 
+  // As CallLog_ResetLogContactName.
+  CALLLOG_EXPORT int ResetLogContactName();
+
+  // Gives every call of an entry's number, and every call forwarded to it, the entry's name as it
+  // stands, empty or not; an empty number is compared like any other. The later entry of a number
+  // wins.
+  CALLLOG_EXPORT void UpdateDispName(const std::list<SuperSearchItemData>& names);
+
   // Writes the history file now if anything changed since the last save. 1 when it was written,
   // also when the disk refused it (nothing reports that); 0 when there was nothing to write.
   CALLLOG_EXPORT int SaveToFile();
+
+  // As CallLog_Search, CallLog_SearchRecentOutCall and CallLog_SuperSearchRecentOutCall.
+  CALLLOG_EXPORT int Search(CallLogSearchListData* page, const std::string& key);
+  CALLLOG_EXPORT int SearchRecentOutCall(CallLogSearchListData* page) const;
+  CALLLOG_EXPORT int SearchRecentOutCall(SuperSearchListData* page) const;
 
   // Append the new missed (forwarded) calls by caller; nothing counts as seen by it. Rows that are
   // in the list already are counted up. 1; 0 for null.
@@ -84,10 +106,22 @@ class CCallLogController {
   CALLLOG_EXPORT void RemoveMissedDirtyByNumber(const std::string& number);
   CALLLOG_EXPORT void RemoveForwardDirtyByNumber(const std::string& number);
 
+  // Fills the directory's record of the contact with this number. The directory's answer.
+  CALLLOG_EXPORT bool GetContactDataByNumber(ContactGeneralItemData* contact,
+                                             const std::string& number) const;
+
+  // Calls `number`, shown as `name`, through the default account. The talk logic's answer.
+  CALLLOG_EXPORT bool CallOut(const std::string& number, const std::string& name);
+
+  // Opens the dial screen with `number`, for the default account.
+  CALLLOG_EXPORT void EnterTalkUI(const std::string& number);
+
   CCallLogController(const CCallLogController&) = delete;
   CCallLogController& operator=(const CCallLogController&) = delete;
 
  private:
+  friend class CCallLogSearchHelper;  // reads the model's records
+
   CCallLogController();
   ~CCallLogController();
   bool MyInit();

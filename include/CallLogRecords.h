@@ -164,3 +164,87 @@ class ForwardedNotifyList {
 
   void Reset() { items.clear(); }
 };
+
+// One configured source of server call logs. All fields are text; empty means none.
+class BroadSoftConfigItem {
+ public:
+  std::string name;    // label shown to the user; a source counts as configured when it has one
+  std::string server;  // host, with a scheme ("https://") before it and a path behind it if need be
+  std::string port;    // decimal
+  std::string user_name;  // without it no credentials are sent
+  std::string password;   // stored in the configuration file as it is, in plain text
+
+  BroadSoftConfigItem() { Reset(); }
+
+  void Reset() {
+    name.clear();
+    server.clear();
+    port.clear();
+    user_name.clear();
+    password.clear();
+  }
+};
+
+// One row of a search, filled by the module.
+class CallLogSearchData {
+ public:
+  std::string display_name;  // name, or the number where there is no name
+  std::string number;
+
+  CallLogSearchData() { Reset(); }
+
+  void Reset() {
+    display_name.clear();
+    number.clear();
+  }
+};
+
+// One page of a search, or of the most dialled numbers.
+class CallLogSearchListData {
+ public:
+  std::list<CallLogSearchData> items;  // the module appends the page's rows; hand in an empty list
+  int request_index;                   // set by the caller: first row wanted, from 0
+  int request_count;                   // set by the caller: number of rows wanted
+  int total;                           // set by the module: number of rows of the whole result
+
+  CallLogSearchListData() { Reset(); }
+
+  void Reset() {
+    items.clear();
+    request_index = request_count = total = 0;
+  }
+};
+
+// One row of the ten most dialled numbers, filled by the module; or one contact's name and number
+// for UpdateDispName, filled by the caller.
+class SuperSearchItemData {
+ public:
+  std::string display_name;
+  std::string number;
+
+  SuperSearchItemData() { Reset(); }
+
+  void Reset() {
+    display_name.clear();
+    number.clear();
+  }
+};
+
+// One page of the ten most dialled numbers.
+class SuperSearchListData {
+ public:
+  std::list<SuperSearchItemData>
+      items;                  // the module appends the page's rows; hand in an empty list
+  void* host_data = nullptr;  // the UI application's own: the module neither reads nor writes it
+  int request_index;          // set by the caller: first row wanted, from 0
+  int request_count;  // set by the caller: passed to the platform, which may refuse the request;
+                      // otherwise all rows from request_index on are filled
+  int total;          // set by the module: number of distinct numbers, 10 at most
+
+  SuperSearchListData() { Reset(); }
+
+  void Reset() {
+    items.clear();
+    request_index = request_count = total = 0;
+  }
+};

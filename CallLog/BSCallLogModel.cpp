@@ -1,0 +1,337 @@
+#include "BSCallLogModel.h"
+
+#include <tinyxml.h>
+
+#include "BSCallLogController.h"
+#include "BSConfigDocument.h"
+#include "CommonAPI.h"
+#include "ConfigParser.h"
+#include "EtlMisc.h"
+#include "EtlMsgHandler.h"
+#include "EtlTrace.h"
+#include "NetStatus.h"
+#include "Paths.h"
+#include "ServerTime.h"
+#include "TinyXmlHelper.h"
+#include "XmlReader.h"
+
+using ETL_TraceHelper::etlTrace;
+
+namespace NS_CALLLOG {
+namespace {
+
+constexpr std::size_t kUsualSources = 3;
+constexpr int kNetworkFileRequest = 2;
+constexpr int kNetworkAvailable = 2;
+constexpr unsigned int kDownloadedMessage = 0x913;  // MSG_BS_CALLLOG_DOWNLOADED
+
+std::string TemporaryPath() { return std::string(kTemporaryDirectory) + kDownloadFileName; }
+
+// Text of the first child element `name`; empty when there is none.
+std::string ChildText(TiXmlElement* element, const char* name) {
+  return TinyXml_GetElemText(element->FirstChildElement(name), "");
+}
+
+}  // namespace
+
+CBSCallLogModel::CBSCallLogModel() { MyInit(); }
+
+CBSCallLogModel::~CBSCallLogModel() { MyFinal(); }
+
+bool CBSCallLogModel::MyInit() {
+  m_vecConfigItem.reserve(kUsualSources);
+  return MyLoadDataFromXmlConfig(kSourcesFileName);
+}
+
+bool CBSCallLogModel::MyFinal() {
+  const bool sourcesCleared = MyClearConfigVector();
+  const bool listsCleared = MyClearMap();
+  return sourcesCleared && listsCleared;
+}
+
+// Configuration
+
+bool CBSCallLogModel::MyLoadDataFromXmlConfig(const std::string& fileName) {
+  std::string path = kConfigDirectory + fileName;
+  etlTrace(3, "CallLog: LoadDataFrom %s", path.c_str());
+  if (!ETL_MiscHelper::pathFileExist(path.c_str()) && !CreateBroadSoftCallLogList(path)) {
+    return false;
+  }
+  TiXmlDocument document;
+  if (!LoadXmlFile(&document, path)) return false;
+  TiXmlElement* const root = document.FirstChildElement(kSourcesRoot);
+  if (root == nullptr) return false;
+  m_strDisplayName = TinyXml_GetStringAttr(root, kDisplayNameAttribute, "");
+  for (TiXmlElement* element = root->FirstChildElement(kSourceItem); element != nullptr;
+       element = element->NextSiblingElement(kSourceItem)) {
+    auto item = std::make_unique<BroadSoftConfigItem>();
+    ReadSource(element, item.get());
+    m_vecConfigItem.push_back(std::move(item));
+  }
+  return true;
+}
+
+// What becomes of the save shows when the file is loaded.
+bool CBSCallLogModel::CreateBroadSoftCallLogList(std::string& path) {
+  constexpr int kDefaultSources = 6;
+  TiXmlDocument document;
+  document.LinkEndChild(new TiXmlDeclaration("1.0", "UTF-8", ""));
+  TiXmlElement* const root = AppendSourcesRoot(&document, "");
+  for (int i = 0; i < kDefaultSources; ++i) AppendSource(root, BroadSoftConfigItem());
+  document.SaveFile(path);
+  return true;
+}
+
+bool CBSCallLogModel::MySaveConfig() {
+  if (!MyGetConfigDirty()) return false;
+  TiXmlDocument document;
+  auto declaration = std::make_unique<TiXmlDeclaration>();
+  declaration->Parse("<?xml version='1.0' encoding='UTF-8'?>", nullptr, TIXML_ENCODING_UTF8);
+  document.LinkEndChild(declaration.release());
+  TiXmlElement* const root = AppendSourcesRoot(&document, m_strDisplayName);
+  for (const auto& item : m_vecConfigItem) AppendSource(root, *item);
+  document.SaveFile(std::string(kConfigDirectory) + kSourcesFileName);
+  MySetConfigDirty(false);
+  return true;
+}
+
+bool CBSCallLogModel::MyClearConfigVector() {
+  m_vecConfigItem.clear();
+  return true;
+}
+
+bool CBSCallLogModel::MyGetConfigDirty() const { return m_bConfigDirty; }
+
+void CBSCallLogModel::MySetConfigDirty(bool dirty) { m_bConfigDirty = dirty; }
+
+int CBSCallLogModel::GetTotalConfigurableItemCount() const {
+  return static_cast<int>(m_vecConfigItem.size());
+}
+
+const BroadSoftConfigItem* CBSCallLogModel::GetConfigDataByIndex(int index) const {
+  if (index < 0 || index >= GetTotalConfigurableItemCount()) return nullptr;
+  return m_vecConfigItem[static_cast<std::size_t>(index)].get();
+}
+
+bool CBSCallLogModel::SetConfigDataByIndex(int index, const BroadSoftConfigItem& item) {
+  if (index >= 0 && index < GetTotalConfigurableItemCount()) {
+    *m_vecConfigItem[static_cast<std::size_t>(index)] = item;
+    MySetConfigDirty(true);
+  }
+  return MySaveConfig();
+}
+
+bool CBSCallLogModel::IsItemConfigured(int index) const {
+  return !GetConfiguredItemName(index).empty();
+}
+
+std::string CBSCallLogModel::GetConfiguredItemName(int index) const {
+  const BroadSoftConfigItem* const item = GetConfigDataByIndex(index);
+  return item != nullptr ? item->name : std::string();
+}
+
+std::string CBSCallLogModel::GetBSCallLogDisplayName() { return m_strDisplayName; }
+
+bool CBSCallLogModel::SetBSCallLogDisplayName(const char* name) {
+  m_strDisplayName = name != nullptr ? name : "";
+  MySetConfigDirty(true);
+  return true;
+}
+
+bool CBSCallLogModel::IsBroadSoftCallLogConfigured() const {
+  if (configParser_GetConfigInt("BDDirectoryShowSwitch") != 1) return false;
+  for (const auto& item : m_vecConfigItem) {
+    if (!item->name.empty()) return true;
+  }
+  return false;
+}
+
+bool CBSCallLogModel::IsAddCountryCode() {
+  return configParser_GetConfigInt("BSCallLogAddCountryCode") == 1;
+}
+
+bool CBSCallLogModel::ReloadBSCallLogConfig() {
+  const bool cleared = MyClearConfigVector();
+  const bool loaded = MyLoadDataFromXmlConfig(kSourcesFileName);
+  return cleared && loaded;
+}
+
+// Download
+
+CBSCallLogModel::ListItemData* CBSCallLogModel::MyFindItemData(const std::string& url) {
+  const auto found = m_mapListData.find(url);
+  return found != m_mapListData.end() ? found->second.get() : nullptr;
+}
+
+const CBSCallLogModel::ListItemData* CBSCallLogModel::MyFindItemData(const std::string& url) const {
+  const auto found = m_mapListData.find(url);
+  return found != m_mapListData.end() ? found->second.get() : nullptr;
+}
+
+std::string CBSCallLogModel::MyGenFullUrl(const BroadSoftConfigItem& item) const {
+  constexpr std::string_view kSchemeEnd = "://";
+  const std::string& server = item.server;
+  if (server.empty()) return {};
+  const std::size_t scheme = server.find(kSchemeEnd);
+  const std::size_t host = scheme == std::string::npos ? 0 : scheme + kSchemeEnd.size();
+  std::string url = scheme == std::string::npos ? "http://" : server.substr(0, host);
+  if (!item.user_name.empty()) url += item.user_name + ":" + item.password + "@";
+  const std::size_t path = std::min(server.find('/', host), server.size());
+  url += server.substr(host, path - host);
+  if (!item.port.empty()) url += ":" + item.port;
+  return url + server.substr(path);
+}
+
+std::string CBSCallLogModel::MyFormatQueryArgs(const std::string& args) {
+  constexpr std::string_view kNameQuery = "?name=";
+  if (args.empty() || args.compare(0, kNameQuery.size(), kNameQuery) == 0) return args;
+  return std::string(kNameQuery) + args;
+}
+
+int CBSCallLogModel::MyMakeReadyForDownload(const std::string& url) {
+  std::unique_ptr<ListItemData>& item = m_mapListData[url];
+  if (item == nullptr) item = std::make_unique<ListItemData>();
+  if (item->state == LIST_STATE_DOWNLOADING || item->state == LIST_STATE_LOADED) {
+    return item->state;
+  }
+  item->state = LIST_STATE_READY;
+  return item->state;
+}
+
+int CBSCallLogModel::MyExecDownload(const std::string& url, bool sync) {
+  ListItemData* const item = MyFindItemData(url);
+  if (item == nullptr || item->state != LIST_STATE_READY) return LIST_STATE_FAILED;
+  const std::string localPath = TemporaryPath();
+  etlTrace(2, "CallLog: ExecDownload localPath[%s], remoteUrl[%s]", localPath.c_str(), url.c_str());
+  auto* const action = TaskAction_CreateNetworkFileAction(localPath.c_str(), url.c_str());
+  if (action == nullptr) return LIST_STATE_FAILED;
+  item->state = LIST_STATE_DOWNLOADING;
+  action->SetRead(true);
+  action->SetSync(sync);
+  action->SetCallback(this);
+  if (TaskAction_ExecAction(action)) return LIST_STATE_DOWNLOADING;
+  TaskAction_DestroyNetworkFileAction(action);  // refused: nobody will call back with it
+  return LIST_STATE_FAILED;
+}
+
+void CBSCallLogModel::OnTaskActionCallback(NS_TA::CTaskAction* action) {
+  etlTrace(3, "CBSCallLogModel::OnTaskActionCallback begin");
+  if (action == nullptr || action->GetRequestType() != kNetworkFileRequest) return;
+  const std::unique_ptr<NS_TA::CNetworkFileAction, void (*)(NS_TA::CNetworkFileAction*)> ended(
+      static_cast<NS_TA::CNetworkFileAction*>(action), TaskAction_DestroyNetworkFileAction);
+  const std::string url = ended->GetFilePathRemote();
+  ListItemData* const item = MyFindItemData(url);
+  if (item == nullptr || item->state == LIST_STATE_CANCELLED) return;
+  if (ended->IsOperationSucceed()) {
+    if (item->state != LIST_STATE_DOWNLOADING) return;
+    const bool loaded = MyLoadDataFromFile(item, ended->GetFilePath());
+    item->state = loaded ? LIST_STATE_LOADED : LIST_STATE_FAILED;
+  } else {
+    item->state = LIST_STATE_FAILED;
+  }
+  EtlMsgHandler_NotifyAppEx(false, kDownloadedMessage, 0, item->state == LIST_STATE_LOADED ? 0 : 1,
+                            static_cast<int>(url.size()) + 1, url.c_str());
+}
+
+bool CBSCallLogModel::MyLoadDataFromFile(ListItemData* list, const std::string& path) {
+  if (list == nullptr || path.empty() || !ETL_MiscHelper::pathFileExist(path.c_str())) {
+    return false;
+  }
+  TiXmlDocument document;
+  if (!LoadXmlFile(&document, path)) return false;
+  list->Reset();
+  TiXmlElement* const root = document.RootElement();
+  if (root == nullptr) return false;
+  for (TiXmlElement* entry = root->FirstChildElement("callLogsEntry"); entry != nullptr;
+       entry = entry->NextSiblingElement("callLogsEntry")) {
+    auto record = std::make_unique<CallLogDetailData>();
+    record->display_name = ChildText(entry, "name");
+    record->number = ChildText(entry, "phoneNumber");
+    if (entry->FirstChildElement("time") != nullptr) {
+      record->time_text = CallLogTime2DisplayTime(ChildText(entry, "time").c_str(), 1);
+    }
+    record->country_code = ChildText(entry, "countryCode");
+    list->records.push_back(std::move(record));
+  }
+  return true;
+}
+
+std::string CBSCallLogModel::CallLogTime2DisplayTime(const char* text, int withYear) {
+  return FormatServerTime(ScanServerTime(text), withYear != 0);
+}
+
+bool CBSCallLogModel::CancelDownload() {
+  ListItemData* const item = MyFindItemData(m_strCurrentUrl);
+  if (item == nullptr) return false;
+  item->state = LIST_STATE_CANCELLED;
+  return true;
+}
+
+// Views
+
+int CBSCallLogModel::GetLogListByClickAction(CallLogSimpleListData* list,
+                                             const std::string& clickAction,
+                                             const std::string& query, bool refresh) {
+  if (list == nullptr || clickAction.empty()) return BS_LIST_INVALID;
+  if (refresh) MyClearMap();
+  const int index = CommonAPI_ParseIdByClickAction(clickAction, "broadsoft_calllog_x");
+  if (index < 0) return BS_LIST_NOT_CONFIGURED;
+  const BroadSoftConfigItem* const source = GetConfigDataByIndex(index);
+  if (source == nullptr) return BS_LIST_NOT_CONFIGURED;
+  std::string url = MyGenFullUrl(*source);
+  if (url.empty()) return BS_LIST_NOT_CONFIGURED;
+  if (!query.empty()) url += MyFormatQueryArgs(query);
+  m_strCurrentUrl = url;
+  if (netGetNetworkSta() != kNetworkAvailable) return BS_LIST_NO_NETWORK;
+
+  switch (MyMakeReadyForDownload(url)) {
+    case LIST_STATE_DOWNLOADING: return BS_LIST_DOWNLOADING;
+    case LIST_STATE_READY:
+      return MyExecDownload(url, false) == LIST_STATE_DOWNLOADING ? BS_LIST_DOWNLOADING
+                                                                  : BS_LIST_FAILED;
+    case LIST_STATE_LOADED:
+      return MyCopyList(list, MyFindItemData(url)) ? BS_LIST_OK : BS_LIST_INVALID;
+    default: return BS_LIST_INVALID;
+  }
+}
+
+bool CBSCallLogModel::MyCopyList(CallLogSimpleListData* list, const ListItemData* item) {
+  if (list == nullptr || item == nullptr || item->state != LIST_STATE_LOADED) return false;
+  const int total = static_cast<int>(item->records.size());
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, list->request_index, list->request_count, total)) {
+    return false;
+  }
+  int position = 0;
+  for (auto record = item->records.begin(); record != item->records.end() && position < to;
+       ++record, ++position) {
+    if (position < from) continue;
+    CallLogSimpleData row;
+    row.display_name =
+        (*record)->display_name.empty() ? (*record)->number : (*record)->display_name;
+    row.time_text = (*record)->time_text;
+    list->items.push_back(row);
+  }
+  list->total = total;
+  return true;
+}
+
+bool CBSCallLogModel::GetLogDetailByIndex(CallLogDetailData* detail, int index) {
+  if (detail == nullptr || index < 0) return false;
+  const ListItemData* const item = MyFindItemData(m_strCurrentUrl);
+  if (item == nullptr || static_cast<std::size_t>(index) >= item->records.size()) return false;
+  *detail = **std::next(item->records.begin(), index);
+  return true;
+}
+
+bool CBSCallLogModel::MyClearMap() {
+  m_mapListData.clear();
+  return true;
+}
+
+bool CBSCallLogModel::MyRemoveListByUrl(const std::string& url) {
+  return m_mapListData.erase(url) > 0;
+}
+
+}  // namespace NS_CALLLOG

@@ -1,0 +1,219 @@
+#include "CallLogSearchHelper.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "CallLogController.h"
+#include "CommonAPI.h"
+#include "EtlTrace.h"
+
+using ETL_TraceHelper::etlTrace;
+
+namespace NS_CALLLOG {
+namespace {
+
+using ItemData = CCallLogModel::ItemData;
+using LogList = CCallLogModel::LogList;
+
+constexpr int kOutgoing = 1;
+constexpr int kMaxRecentRows = 10;
+
+bool BeginsWith(const std::string& text, const std::string& key) {
+  return CommonAPI_StringCompare(text, key, 0, static_cast<int>(key.size()), false) == 0;
+}
+
+template <class Row>
+Row MakeRow(const std::string& name, const std::string& number) {
+  Row row;
+  row.display_name = name.empty() ? number : name;
+  row.number = number;
+  return row;
+}
+
+CallLogSearchData MakeRow(const ItemData& hit) {
+  return MakeRow<CallLogSearchData>(hit.remote_display_name, hit.remote_sip_name);
+}
+
+using Tally = std::list<std::unique_ptr<stTemp>>;
+
+// Every dialled number once, the most dialled first; of equally many calls the last dialled first.
+Tally TallyOutgoingCalls(const LogList& records) {
+  Tally tally;
+  for (const auto& item : records) {
+    if (item->type != kOutgoing) continue;
+    auto entry = std::find_if(tally.begin(), tally.end(), [&](const auto& other) {
+      return other->number == item->remote_sip_name;
+    });
+    if (entry == tally.end()) {
+      entry = tally.insert(tally.end(), std::make_unique<stTemp>());
+      (*entry)->display_name = item->remote_display_name;
+      (*entry)->number = item->remote_sip_name;
+    }
+    ++(*entry)->count;
+  }
+  tally.sort([](const auto& a, const auto& b) { return stTemp::CompareCal(a.get(), b.get()); });
+  return tally;
+}
+
+template <class Row>
+void AppendRows(const Tally& tally, int from, int to, std::list<Row>* rows) {
+  int position = 0;
+  for (const auto& entry : tally) {
+    if (position >= from && position < to) {
+      rows->push_back(MakeRow<Row>(entry->display_name, entry->number));
+    }
+    ++position;
+  }
+}
+
+void TraceCount(int count) {
+  etlTrace(3, "--Call log search: search recent out count is %d", count);
+}
+
+}  // namespace
+
+bool stTemp::CompareCal(const stTemp* a, const stTemp* b) {
+  if (a == nullptr) return false;
+  if (b == nullptr) return true;
+  return a->count > b->count;
+}
+
+const LogList& CCallLogSearchHelper::MyStoredRecords() {
+  static const LogList kNone;
+  const CCallLogController* const controller = CCallLogController::GetInstance();
+  const CCallLogModel* const model = controller != nullptr ? controller->m_pModel.get() : nullptr;
+  return model != nullptr ? model->m_listLog : kNone;
+}
+
+void CCallLogSearchHelper::ResetKey() {
+  m_strKey.clear();
+  m_listResult.clear();
+}
+
+bool CCallLogSearchHelper::Search(CallLogSearchListData* result, const std::string& key) {
+  if (key.empty()) {
+    ResetKey();
+    return false;
+  }
+  const std::string converted = CommonAPI_StringConvert(key, STRING_CONVERT_SEARCH_KEY);
+  if (converted == m_strKey) return MyCopyResult(result, converted);
+  if (MyIsSearchFromLast(converted)) return MySearchFromResult(result, converted);
+  return MyReSearch(result, converted);
+}
+
+bool CCallLogSearchHelper::MyIsSearchFromLast(const std::string& key) const {
+  return !m_strKey.empty() && key.compare(0, m_strKey.size(), m_strKey) == 0;
+}
+
+bool CCallLogSearchHelper::MyMatches(const ItemData& item, const std::string& key) const {
+  if (m_nSearchType != SEARCH_TYPE_NUMBER) return BeginsWith(item.remote_display_name, key);
+  return BeginsWith(item.remote_sip_name, key) || BeginsWith(item.key_string, key);
+}
+
+bool CCallLogSearchHelper::MyReSearch(CallLogSearchListData* result, const std::string& key) {
+  if (result == nullptr || key.empty()) return false;
+  ResetKey();
+  const char first = key.front();
+  const bool number =
+      std::isdigit(static_cast<unsigned char>(first)) != 0 || first == '*' || first == '#';
+  m_nSearchType = number ? SEARCH_TYPE_NUMBER : SEARCH_TYPE_NAME;
+  for (const auto& item : MyStoredRecords()) {
+    if (MyMatches(*item, key)) MyInsert(item.get());
+  }
+  m_strKey = key;
+  return MyCopyResult(result, key);
+}
+
+bool CCallLogSearchHelper::MyInsert(const ItemData* item) {
+  if (item == nullptr) return false;
+  auto place = m_listResult.begin();
+  for (; place != m_listResult.end(); ++place) {
+    const ItemData& hit = **place;
+    int order = 0;
+    if (!hit.remote_display_name.empty()) {
+      order = hit.remote_display_name.compare(item->remote_display_name);
+    }
+    if (order == 0) order = hit.remote_sip_name.compare(item->remote_sip_name);
+    if (order == 0) return false;
+    if (order > 0) break;
+  }
+  m_listResult.insert(place, item);
+  return true;
+}
+
+bool CCallLogSearchHelper::MyCopyResult(CallLogSearchListData* result,
+                                        const std::string& key) const {
+  if (result == nullptr || key.empty()) return false;
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
+                                   static_cast<int>(m_listResult.size()))) {
+    return false;
+  }
+  int row = -1;
+  for (const ItemData* hit : m_listResult) {
+    ++row;
+    if (row >= from && row < to) result->items.push_back(MakeRow(*hit));
+  }
+  result->total = row + 1;
+  return true;
+}
+
+bool CCallLogSearchHelper::MySearchFromResult(CallLogSearchListData* result,
+                                              const std::string& key) {
+  if (result == nullptr || key.empty()) return false;
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
+                                   static_cast<int>(m_listResult.size()))) {
+    return false;
+  }
+  int row = -1;
+  for (auto hit = m_listResult.begin(); hit != m_listResult.end();) {
+    if (!MyMatches(**hit, key)) {
+      hit = m_listResult.erase(hit);
+      continue;
+    }
+    ++row;
+    if (row >= from && row < to) result->items.push_back(MakeRow(**hit));
+    ++hit;
+  }
+  m_strKey = key;
+  result->total = row + 1;
+  return true;
+}
+
+bool CCallLogSearchHelper::SearchRecentOutCall(CallLogSearchListData* result) {
+  if (result == nullptr) return false;
+  const Tally tally = TallyOutgoingCalls(MyStoredRecords());
+  const int numbers = static_cast<int>(tally.size());
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
+                                   numbers)) {
+    return false;
+  }
+  AppendRows(tally, from, to, &result->items);
+  result->total = numbers;
+  TraceCount(result->total);
+  return true;
+}
+
+bool CCallLogSearchHelper::SearchRecentOutCall(SuperSearchListData* result) {
+  if (result == nullptr) return false;
+  const Tally tally = TallyOutgoingCalls(MyStoredRecords());
+  int from = -1;
+  int to = -1;
+  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
+                                   kMaxRecentRows)) {
+    return false;
+  }
+  to = std::min(kMaxRecentRows, static_cast<int>(tally.size()));
+  etlTrace(3, "--Call log search: max index is %d", to);
+  AppendRows(tally, from, to, &result->items);
+  result->total = to;
+  TraceCount(result->total);
+  return true;
+}
+
+}  // namespace NS_CALLLOG
