@@ -55,31 +55,6 @@ void Call(Phone& phone, Arguments& arguments) {
   }
 }
 
-// Tells the module what a phone's directory tells it: up to three numbers at a time.
-void ReportRenamed(const std::vector<std::string>& numbers, const std::string& name) {
-  for (std::size_t i = 0; i < numbers.size(); i += 3) {
-    CallLogUpdateData update;
-    update.display_name = name;
-    update.number_1 = numbers[i];
-    if (i + 1 < numbers.size()) update.number_2 = numbers[i + 1];
-    if (i + 2 < numbers.size()) update.number_3 = numbers[i + 2];
-    CallLog_UpdateLog(update);
-  }
-}
-
-void Rename(Phone& phone, Arguments& arguments) {
-  const std::string number = arguments.Word("a number of the contact");
-  const std::string name = arguments.WordOr("");
-  arguments.Done();
-  Contacts& contacts = phone.platform().contacts;
-  std::vector<std::string> numbers = {number};
-  if (const Contact* contact = contacts.FindByNumber(number)) numbers = contact->numbers;
-  contacts.Rename(number, name);
-  ReportRenamed(numbers, name);
-  phone.out() << "  " << numbers.size() << (numbers.size() == 1 ? " number" : " numbers")
-              << (name.empty() ? " without a name now\n" : " renamed\n");
-}
-
 void Import(Phone& phone, Arguments& arguments) {
   arguments.AllowOptions({"server"});
   CallImport import;
@@ -99,8 +74,6 @@ CommandGroup CallCommands() {
                "TYPE NUMBER [name=N] [duration=SECONDS] [ago=SPAN | at=TIME] [account=USER@SERVER] "
                "[server=S] [to=NUMBER] [to-name=N] [to-server=S]",
                "a finished call: outgoing, missed, received or forwarded", Call},
-              {"rename", "NUMBER [NAME]", "the contact with this number gets another name, or none",
-               Rename},
               {"cdr", "FILE EXTENSION [server=S]",
                "a PBX's call detail records, as the phone of an extension saw them", Import},
           }};

@@ -6,7 +6,8 @@ namespace desk {
 
 const std::vector<CommandGroup>& AllCommands() {
   static const std::vector<CommandGroup> kGroups = {
-      CallCommands(), ListCommands(), SettingCommands(), TimeCommands(), HelpCommands()};
+      CallCommands(),    ListCommands(), SearchCommands(), TalkCommands(),  ServerCommands(),
+      SettingCommands(), TimeCommands(), HelpCommands(),   ExportCommands()};
   return kGroups;
 }
 

@@ -32,8 +32,12 @@ void RunCommand(Phone& phone, const std::string& line);
 // The groups, each in its own file.
 CommandGroup CallCommands();
 CommandGroup ListCommands();
+CommandGroup SearchCommands();
+CommandGroup TalkCommands();
+CommandGroup ServerCommands();
 CommandGroup SettingCommands();
 CommandGroup TimeCommands();
 CommandGroup HelpCommands();
+CommandGroup ExportCommands();
 
 }  // namespace desk

@@ -1,14 +1,29 @@
 #include "Phone.h"
 
 #include <algorithm>
-#include <thread>
 
 #include "CallLog.h"
 #include "Screen.h"
 #include "Text.h"
 
 namespace desk {
+namespace {
 
+constexpr unsigned int kDownloaded = 0x913;
+
+std::string Describe(const Message& message) {
+  if (message.message == kDownloaded) {
+    return std::string(message.lParam == 0 ? "a server list is there: "
+                                           : "a server list could not be fetched: ") +
+           Printable(MaskCredentials(CString(message.extra)));
+  }
+  return Format("message 0x%x to the application, wParam %u, lParam %d", message.message,
+                message.wParam, message.lParam);
+}
+
+}  // namespace
+
+using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
 
 Phone::Phone(const std::filesystem::path& root, const Profile& profile,
@@ -21,12 +36,19 @@ Phone::Phone(const std::filesystem::path& root, const Profile& profile,
 
 Phone::~Phone() {
   CCallLogController::GetInstance()->SaveToFile();
+  CBSCallLogController::ReleaseInstance();
   CCallLogController::ReleaseInstance();
 }
 
-void Phone::PowerOn() { CCallLogController::GetInstance(); }
+// As a UI process starts: the handler first, then the history.
+void Phone::PowerOn() {
+  CallLog_RegisterMessage();
+  CCallLogController::GetInstance();
+}
 
 void Phone::PowerCycle() {
+  CBSCallLogController::ReleaseInstance();
+  CBSCallLogController::ReleaseInstance();
   CCallLogController::ReleaseInstance();
   platform_.PowerCycle();
   shown_ = Display();
@@ -48,7 +70,16 @@ void Phone::Wait(Milliseconds span) {
     ReportChanges();
     const Milliseconds left = end - platform_.clock().Monotonic();
     if (left.count() <= 0) return;
-    std::this_thread::sleep_for(std::min(left, Milliseconds(50)));
+    const Milliseconds due = platform_.timers.NextDue().value_or(end);
+    platform_.loop.WaitForPost(std::min(left, due - platform_.clock().Monotonic()));
+  }
+}
+
+void Phone::AwaitTransfers() {
+  constexpr Milliseconds kLook(1000);
+  while (platform_.transfers.Running() > 0) {
+    platform_.loop.WaitForPost(kLook);
+    platform_.RunDue();
   }
 }
 
@@ -69,9 +100,7 @@ void Phone::ReportChanges() {
          << "\n";
   }
   for (const Message& message : platform_.loop.TakeAppMessages()) {
-    out_ << Format("  * message 0x%x to the application, wParam %u, lParam %d", message.message,
-                   message.wParam, message.lParam)
-         << "\n";
+    out_ << "  * " << Describe(message) << "\n";
   }
 }
 
@@ -81,6 +110,31 @@ std::filesystem::path Phone::HistoryFile() const {
 
 std::filesystem::path Phone::FromStart(const std::filesystem::path& path) const {
   return root_.startedIn() / path;
+}
+
+std::filesystem::path Phone::SourcesFile() const {
+  return root_.path() / "config/data/broadsoft_calllog_list.xml";
+}
+
+void Phone::ServeDocuments(const std::filesystem::path& directory) {
+  // As on real servers, the user id and the password hold what other URLs may not.
+  const char* const user = "anna@example.org";
+  const char* const password = "p@ss:1";
+  logServer_ =
+      std::make_unique<LogServer>(LogServer::Settings{FromStart(directory), user, password, 0});
+  logServer_->Start();
+  auto& controller = *CBSCallLogController::GetInstance();
+  int index = 0;
+  for (const char* document : {"Missed", "Placed", "Received"}) {
+    BroadSoftConfigItem source;
+    source.name = std::string(document) + " on the server";
+    source.server = std::string("127.0.0.1/com.broadsoft.xsi-actions/v2.0/user/") + user +
+                    "/directories/CallLogs/" + document;
+    source.port = std::to_string(logServer_->port());
+    source.user_name = user;
+    source.password = password;
+    controller.SetConfigDataByIndex(index++, source);
+  }
 }
 
 }  // namespace desk

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "Desktop.h"
+#include "LogServer.h"
 #include "RootDirectory.h"
 
 namespace desk {
@@ -25,14 +26,22 @@ class Phone {
   // Lets time pass: at once with a manual clock, really otherwise.
   void Wait(Milliseconds span);
 
+  // Lets the transfers that are running come to their end, which a manual clock cannot hurry.
+  void AwaitTransfers();
+
+  // Starts a log server with these documents in this process, and sets up sources for them.
+  void ServeDocuments(const std::filesystem::path& directory);
+
   // Prints what has changed by itself since the last time: the idle screen, a save, an application
   // message.
   void ReportChanges();
   bool HasChanges() const;
 
   Desktop& platform() { return platform_; }
+  LogServer* logServer() { return logServer_.get(); }  // null when none was started
   std::ostream& out() { return out_; }
   std::filesystem::path HistoryFile() const;
+  std::filesystem::path SourcesFile() const;
   // A path that the user gave, who knows nothing of the working directory that the phone moved to.
   std::filesystem::path FromStart(const std::filesystem::path& path) const;
 
@@ -43,6 +52,7 @@ class Phone {
   void OnHandled(const Message& message, int result);
 
   RootDirectory root_;
+  std::unique_ptr<LogServer> logServer_;
   std::ostream& out_;
   Desktop platform_;
   Display shown_;

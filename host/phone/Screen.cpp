@@ -103,8 +103,8 @@ void PrintCallList(std::ostream& out, const std::string& title, const CallLogSim
   std::vector<std::vector<std::string>> rows;
   int row = page.request_index;
   for (const CallLogSimpleData& item : page.items) {
-    rows.push_back({std::to_string(row++), TypeName(item.type), Cell(item.time_text),
-                    Cell(item.display_name)});
+    const std::string type = item.type != 0 ? TypeName(item.type) : std::string();
+    rows.push_back({std::to_string(row++), type, Cell(item.time_text), Cell(item.display_name)});
   }
   PrintTable(out, rows);
 }

@@ -1,4 +1,6 @@
 // Commands for the phone's settings, its file and its power.
+#include <climits>
+#include <cstdlib>
 #include <fstream>
 
 #include "CallLog.h"
@@ -92,6 +94,21 @@ void PowerCycle(Phone& phone, Arguments& arguments) {
   phone.out() << "  the phone has started again\n";
 }
 
+// The platform's broadcast that a configuration item has changed, 0x28 or 0x47 for this module.
+void Broadcast(Phone& phone, Arguments& arguments) {
+  constexpr unsigned int kConfigChange = 0x10007;
+  const std::string item = arguments.Word("the item");
+  arguments.Done();
+  char* end = nullptr;
+  const unsigned long value = std::strtoul(item.c_str(), &end, 0);
+  if (*end != '\0' || item.empty() || value > UINT_MAX) {
+    throw CommandError("the item must be a number such as 0x28, not \"" + item + "\"");
+  }
+  const auto reply =
+      phone.platform().loop.Send({kConfigChange, static_cast<unsigned int>(value), 0, {}});
+  phone.out() << (reply ? "  replied " + std::to_string(*reply) : "  no reply") << "\n";
+}
+
 void ShowJournal(Phone& phone, Arguments& arguments) {
   const std::string what = arguments.WordOr("20");
   arguments.Done();
@@ -132,6 +149,8 @@ CommandGroup SettingCommands() {
           {"save", "", "saves the history now", Save},
           {"file", "", "the history file as it stands on the disk", ShowFile},
           {"power-cycle", "", "cuts the power and starts the phone again", PowerCycle},
+          {"broadcast", "ITEM",
+           "a configuration item changed: 0x28 the server sources, 0x47 a removal", Broadcast},
           {"journal", "[LINES | clear]", "what the module asked the platform to do", ShowJournal},
           {"trace", "LEVEL [FILE]", "writes the trace out up to a level; 0 stops it", SetTrace},
       }};

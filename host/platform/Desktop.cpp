@@ -5,8 +5,6 @@
 
 #include "ConfigParser.h"
 #include "NetStatus.h"
-#include "TalkLogic.h"
-#include "Text.h"
 
 namespace desk {
 namespace {
@@ -20,6 +18,7 @@ Desktop::Desktop(const Profile& profile, std::unique_ptr<Clock> clock)
       accounts(profile.accounts),
       contacts(profile.contacts),
       config(profile.config),
+      transfers(loop, trace, profile.limits),
       networkUp(profile.network_up),
       hasMenu(profile.has_menu) {
   assert(current == nullptr);
@@ -40,10 +39,11 @@ void Desktop::RunDue() {
 }
 
 void Desktop::PowerCycle() {
+  transfers.Clear();
   loop.Clear();
   timers.Clear();
   display = Display();
-  dialRequests.clear();
+  talk = Talk();
   journal.Add("power-cycle");
 }
 
@@ -71,17 +71,4 @@ int configParser_GetConfigInt(const char* key) {
 int netGetNetworkSta() {
   constexpr int kAvailable = 2;
   return Desktop::Current().networkUp ? kAvailable : 0;
-}
-
-bool talkLogic_CallOut(const std::string& number, const std::string& name, int accountId) {
-  Desktop::Current().dialRequests.push_back({number, name, accountId, true});
-  Desktop::Current().journal.Add("call-out " + number + " " + name +
-                                 desk::Format(" account %d", accountId));
-  return true;
-}
-
-void talkLogic_EnterDialUI(const std::string& number, int accountId, bool editable) {
-  Desktop::Current().dialRequests.push_back({number, {}, accountId, false});
-  Desktop::Current().journal.Add("dial-screen " + number +
-                                 desk::Format(" account %d editable %d", accountId, editable));
 }

@@ -2,7 +2,6 @@
 // exists at a time; the platform's functions act on it.
 #pragma once
 
-#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,18 +13,12 @@
 #include "Journal.h"
 #include "MessageLoop.h"
 #include "Profile.h"
+#include "Talk.h"
 #include "ThreadTimers.h"
 #include "Trace.h"
+#include "Transfer.h"
 
 namespace desk {
-
-// A call attempt, or a number put into the dial screen.
-struct DialRequest {
-  std::string number;
-  std::string name;
-  int accountId = -1;  // -1: the default account
-  bool dialled = true;
-};
 
 class Desktop {
  public:
@@ -60,7 +53,8 @@ class Desktop {
   Accounts accounts;
   Contacts contacts;
   std::map<std::string, int> config;
-  std::list<DialRequest> dialRequests;
+  Talk talk;
+  TransferService transfers;
   bool networkUp = true;
   bool hasMenu = true;
 

@@ -47,7 +47,13 @@ void MessageLoop::PostWork(std::function<void()> work) {
     queue_.push_back(std::move(work));
     wakeUp = wakeUp_;
   }
+  posted_.notify_all();
   if (wakeUp) wakeUp();
+}
+
+bool MessageLoop::WaitForPost(std::chrono::milliseconds limit) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return posted_.wait_for(lock, limit, [this] { return !queue_.empty(); });
 }
 
 void MessageLoop::SetWakeUp(std::function<void()> wakeUp) {

@@ -3,6 +3,8 @@
 // thread.
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -46,6 +48,9 @@ class MessageLoop {
   // Called after each post, on the posting thread: how a thread that sleeps in poll() is woken.
   void SetWakeUp(std::function<void()> wakeUp);
 
+  // Waits until something is queued, or the time is over. True when something is.
+  bool WaitForPost(std::chrono::milliseconds limit);
+
   // Delivers what is queued, and what is posted meanwhile, until the queue is empty. The number
   // delivered.
   std::size_t Deliver();
@@ -80,6 +85,7 @@ class MessageLoop {
   std::optional<int> reply_;
 
   mutable std::mutex mutex_;  // guards what follows
+  std::condition_variable posted_;
   std::deque<std::function<void()>> queue_;
   std::deque<Message> appMessages_;
   std::function<void()> wakeUp_;

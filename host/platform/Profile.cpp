@@ -86,6 +86,15 @@ Reader Into(std::map<std::string, int>& numbers) {
   };
 }
 
+Reader Between(int low, int high, int& number) {
+  return [=, &number](const toml::key& key, const toml::node& value) {
+    number = ReadInt(value, key);
+    if (number >= low && number <= high) return;
+    Fail(value.source(), Quoted(key.str()) + " must be from " + std::to_string(low) + " to " +
+                             std::to_string(high));
+  };
+}
+
 Reader Table(Keys keys) {
   return [keys = std::move(keys)](const toml::key& key, const toml::node& value) {
     ReadKeys(Expect<toml::table>(value, key, "a table"), keys);
@@ -144,6 +153,15 @@ Reader ContactsInto(std::vector<Contact>& contacts) {
   });
 }
 
+Reader LimitsInto(TransferLimits& limits) {
+  constexpr int kHour = 3600;
+  return Table({{"max_bytes", Between(1, std::numeric_limits<int>::max(), limits.max_bytes)},
+                {"connect_seconds", Between(1, kHour, limits.connect_seconds)},
+                {"idle_seconds", Between(1, kHour, limits.idle_seconds)},
+                {"total_seconds", Between(1, kHour, limits.total_seconds)},
+                {"max_redirects", Between(0, 50, limits.max_redirects)}});
+}
+
 std::string ReadFile(const std::filesystem::path& file, std::error_code& error) {
   // A folder can be opened like a file, but not read.
   const bool isFolder = std::filesystem::is_directory(file, error);
@@ -183,7 +201,8 @@ Profile LoadProfile(const std::filesystem::path& file) try {
             {"menu", Table({{"present", Into(profile.has_menu)}})},
             {"account", AccountsInto(profile.accounts)},
             {"contacts", Table({{"vcard", VCardsInto(addressBook, file.parent_path())}})},
-            {"contact", ContactsInto(profile.contacts)}});
+            {"contact", ContactsInto(profile.contacts)},
+            {"transfer", LimitsInto(profile.limits)}});
   std::move(addressBook.begin(), addressBook.end(), std::back_inserter(profile.contacts));
   return profile;
 } catch (const toml::parse_error& error) {

@@ -10,6 +10,7 @@
 
 #include "Accounts.h"
 #include "Contacts.h"
+#include "Transfer.h"
 
 namespace desk {
 
@@ -18,6 +19,7 @@ struct Profile {
   std::map<std::string, int> config;  // by configuration key
   std::vector<Account> accounts;
   std::vector<Contact> contacts;
+  TransferLimits limits;
   bool network_up = true;
   bool has_menu = true;
 };

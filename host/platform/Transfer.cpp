@@ -1,0 +1,125 @@
+// A download's file appears under its real name only when its completion is delivered, so that
+// transfers into one local file never meet.
+#include "Transfer.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "EtlMsgHandler.h"
+#include "MessageLoop.h"
+#include "Trace.h"
+#include "TransferThread.h"
+
+namespace desk {
+namespace {
+
+TransferService* current = nullptr;
+
+}  // namespace
+
+TransferService::TransferService(MessageLoop& loop, Trace& trace, const TransferLimits& limits)
+    : loop_(loop), trace_(trace), limits_(limits) {
+  assert(current == nullptr);
+  current = this;
+}
+
+TransferService::~TransferService() { current = nullptr; }
+
+TransferService* TransferService::Current() { return current; }
+
+Transfer* TransferService::Create(const char* localPath, const char* remoteUrl) {
+  if (localPath == nullptr || *localPath == '\0' || remoteUrl == nullptr) return nullptr;
+  auto url = SplitUrl(remoteUrl);
+  if (!url) return nullptr;
+  auto& transfer = *transfers_.emplace_back(std::make_unique<Transfer>());
+  transfer.id = ++lastId_;
+  transfer.localPath = localPath;
+  transfer.remoteUrl = remoteUrl;
+  transfer.url = *std::move(url);
+  return &transfer;
+}
+
+bool TransferService::Start(Transfer& transfer) {
+  if (transfer.state != Transfer::State::kNew || !transfer.read) return false;
+  if (thread_ == nullptr) {
+    thread_ = std::make_unique<TransferThread>(
+        limits_, [this](unsigned int id) { loop_.PostWork([this, id] { Complete(id); }); });
+  }
+  transfer.download = std::make_shared<Download>();
+  transfer.download->id = transfer.id;
+  transfer.download->target = transfer.localPath;
+  transfer.download->url = transfer.url;
+  const std::future<void> ended = transfer.download->ended.get_future();
+  transfer.state = Transfer::State::kRunning;
+  thread_->Start(transfer.download);
+  if (transfer.sync) ended.wait();
+  return true;
+}
+
+void TransferService::Complete(unsigned int id) {
+  const auto found = std::find_if(transfers_.begin(), transfers_.end(),
+                                  [&](const auto& transfer) { return transfer->id == id; });
+  if (found == transfers_.end() || (*found)->state != Transfer::State::kRunning) return;
+  Transfer& transfer = **found;
+  std::string error = std::move(transfer.download->error);
+  if (error.empty() && !transfer.download->file.MoveTo(transfer.localPath)) {
+    error = "cannot replace the local file: " + std::generic_category().message(errno);
+  }
+  transfer.download.reset();  // a failed one leaves nothing behind
+  transfer.state = error.empty() ? Transfer::State::kSucceeded : Transfer::State::kFailed;
+  if (!error.empty()) trace_.Write(2, "transfer of " + transfer.remoteUrl + " failed: " + error);
+  if (transfer.callback == nullptr) return;
+  ETL_MsgQueueHelper::msgObject message;
+  message.message = kEndedMessage;
+  message.wParam = id;
+  transfer.callback->TryThreadMessage(message);
+}
+
+void TransferService::Stop(Transfer& transfer) {
+  if (transfer.state != Transfer::State::kRunning) return;
+  thread_->Stop(*transfer.download);
+  transfer.download.reset();
+  transfer.state = Transfer::State::kFailed;
+}
+
+void TransferService::Destroy(const NS_TA::CTaskAction* action) {
+  const auto found = std::find_if(transfers_.begin(), transfers_.end(),
+                                  [&](const auto& transfer) { return transfer.get() == action; });
+  if (found == transfers_.end()) return;
+  Stop(**found);
+  transfers_.erase(found);
+}
+
+void TransferService::Detach(const NS_TA::CTaskActionCallbackBase* callback) {
+  for (const auto& transfer : transfers_) {
+    if (transfer->callback != callback) continue;
+    Stop(*transfer);
+    transfer->callback = nullptr;
+  }
+}
+
+Transfer* TransferService::FindEnded(unsigned int id) const {
+  for (const auto& transfer : transfers_) {
+    const bool ended = transfer->state == Transfer::State::kSucceeded ||
+                       transfer->state == Transfer::State::kFailed;
+    if (transfer->id == id && ended) return transfer.get();
+  }
+  return nullptr;
+}
+
+std::size_t TransferService::Running() const {
+  const auto running = [](const auto& transfer) {
+    return transfer->state == Transfer::State::kRunning;
+  };
+  return static_cast<std::size_t>(std::count_if(transfers_.begin(), transfers_.end(), running));
+}
+
+void TransferService::Clear() {
+  for (const auto& transfer : transfers_) Stop(*transfer);
+  transfers_.clear();
+}
+
+}  // namespace desk

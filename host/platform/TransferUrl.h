@@ -1,0 +1,21 @@
+// The URL of a network file transfer: its credentials, which nobody has escaped, apart from what is
+// sent. How they are used is Transfer.h's business.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace desk {
+
+struct TransferUrl {
+  std::string address;  // without credentials; blanks and bytes beyond ASCII escaped
+  std::string user;
+  std::string password;
+};
+
+// The authority ends at the first "/", the credentials at the last "@" in it, the user at the first
+// ":". Nothing for a URL that is neither http nor https or makes no sense.
+std::optional<TransferUrl> SplitUrl(std::string_view url);
+
+}  // namespace desk
