@@ -61,6 +61,12 @@ HistorySavedSwitch = 1
 up = false
 [menu]
 present = false
+[transfer]
+max_bytes = 1
+connect_seconds = 3600
+idle_seconds = 3
+total_seconds = 4
+max_redirects = 0
 [contacts]
 vcard = "book.vcf"
 [[account]]
@@ -82,6 +88,11 @@ photo = "photos/stephane.png"
             (std::map<std::string, int>{{"HistorySavedSwitch", 1}, {"Any key", -2147483647 - 1}}));
   EXPECT_FALSE(profile.network_up);
   EXPECT_FALSE(profile.has_menu);
+  EXPECT_EQ(profile.limits.max_bytes, 1);
+  EXPECT_EQ(profile.limits.connect_seconds, 3600);
+  EXPECT_EQ(profile.limits.idle_seconds, 3);
+  EXPECT_EQ(profile.limits.total_seconds, 4);
+  EXPECT_EQ(profile.limits.max_redirects, 0);
 
   ASSERT_EQ(profile.accounts.size(), 2u);
   const Account& first = profile.accounts[0];
@@ -108,6 +119,11 @@ TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
   EXPECT_TRUE(profile.config.empty() && profile.accounts.empty() && profile.contacts.empty());
   EXPECT_TRUE(profile.network_up);
   EXPECT_TRUE(profile.has_menu);
+  EXPECT_EQ(profile.limits.max_bytes, 4194304);
+  EXPECT_EQ(profile.limits.connect_seconds, 10);
+  EXPECT_EQ(profile.limits.idle_seconds, 15);
+  EXPECT_EQ(profile.limits.total_seconds, 60);
+  EXPECT_EQ(profile.limits.max_redirects, 5);
 }
 
 TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
@@ -136,6 +152,11 @@ TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
       {"[config]\na = 2147483648\n", "2: \"a\" must fit into 32 bits"},
       {"[config]\na = -2147483649\n", "2: \"a\" must fit into 32 bits"},
       {"[config]\na = 9223372036854775808\n", "2: Error while parsing"},
+      {"[transfer]\nseconds = 1\n", "2: unknown key \"seconds\""},
+      {"[transfer]\nmax_bytes = 0\n", "2: \"max_bytes\" must be from 1 to 2147483647"},
+      {"[transfer]\nidle_seconds = 3601\n", "2: \"idle_seconds\" must be from 1 to 3600"},
+      {"[transfer]\ntotal_seconds = '9'\n", "2: \"total_seconds\" must be an integer"},
+      {"[transfer]\nmax_redirects = -1\n", "2: \"max_redirects\" must be from 0 to 50"},
       {"[account]\nid = 1\n", "1: \"account\" must be an array of tables, found: table"},
       {"account = [\n 1]\n", "2: \"account\" must be an array of tables, found: integer"},
       {anna + "usable = 'yes'\n", "5: \"usable\" must be true or false, found: string"},
