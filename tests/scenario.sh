@@ -5,6 +5,7 @@ set -eu
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 cd "$2"
-"$1" --root "$root/phone" --profile profile.toml --script "$3" >"$root/out" 2>"$root/errors"
-diff -u "$4" "$root/out"
-xmllint --noout "$root/phone/config/data/call_data.xml"
+"$1" --root "$root/phone" --profile profile.toml --log-server server --script "$3" >"$root/out" 2>"$root/errors"
+sed 's/127\.0\.0\.1:[0-9]*/127.0.0.1:PORT/; s/port [0-9]*/port PORT/' "$root/out" | diff -u "$4" -
+xmllint --noout "$root"/phone/config/data/*.xml
+[ -z "$(ls "$root/phone/tmp" | grep -v '^BroadSoftCallLog.xml$')" ]

@@ -31,6 +31,7 @@ Phone::Phone(const std::filesystem::path& root, const Profile& profile,
     : root_(root), out_(out), platform_(profile, std::move(clock)) {
   platform_.loop.SetObserver(
       [this](const Message& message, int result) { OnHandled(message, result); });
+  if (platform_.manualClock() != nullptr) platform_.transfers.Hold();
   PowerOn();
 }
 
@@ -77,9 +78,11 @@ void Phone::Wait(Milliseconds span) {
 
 void Phone::AwaitTransfers() {
   constexpr Milliseconds kLook(1000);
-  while (platform_.transfers.Running() > 0) {
-    platform_.loop.WaitForPost(kLook);
+  for (;;) {
     platform_.RunDue();
+    platform_.transfers.LetThrough();
+    if (platform_.transfers.Running() == 0) return;
+    platform_.loop.WaitForPost(kLook);
   }
 }
 

@@ -167,11 +167,9 @@ CommandGroup ServerCommands() {
                "sets a source", Source},
               {"display-name", "[NAME]", "the name under which the menu shows them", DisplayName},
               {"reload", "", "reads the sources' file again", Reload},
-              {"misbehave", "PATH HOW",
-               "the phone's own log server answers a path with hold, delay:SECONDS, stall, cut, "
-               "endless, "
-               "page, a status such as 404, redirect:URL, or document again",
-               MisbehaveAs},
+              {"misbehave",
+               "PATH document|hold|delay:SECONDS|stall|cut|endless|page|STATUS|redirect:URL",
+               "how the phone's own log server answers a path from now on", MisbehaveAs},
           }};
 }
 

@@ -1,4 +1,5 @@
 // The program deskphone: a desktop phone at a terminal, or driven by a script.
+#include <signal.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -9,6 +10,7 @@
 
 #include "CallImport.h"
 #include "CommandLine.h"
+#include "LogServer.h"
 #include "Phone.h"
 #include "Profile.h"
 #include "Script.h"
@@ -28,7 +30,9 @@ struct Options {
   fs::path firstRun;
   int traceLevel = 0;
   fs::path traceFile;
+  fs::path documents;
   desk::CallImport import;
+  desk::LogServer::Settings server;
 };
 
 // A phone that stores calls, for whoever brings no profile.
@@ -74,6 +78,7 @@ int RunPhone(const Options& options, bool importing) {
     options.import.Run(phone);
     return 0;
   }
+  if (!options.documents.empty()) phone.ServeDocuments(options.documents);
   int wrong = 0;
   if (!options.firstRun.empty() && !fs::exists(phone.HistoryFile())) {
     wrong += RunScriptFile(phone, options.firstRun.string());
@@ -95,6 +100,8 @@ void AddOptions(CLI::App* app, Options* options) {
                   "runs the commands of a file (\"-\": standard input) on a clock of its own");
   app->add_option("--first-run", options->firstRun,
                   "commands to run first when the phone has no history yet");
+  app->add_option("--log-server", options->documents,
+                  "serves call logs from this directory, and sets up sources for them");
   app->add_option("--trace", options->traceLevel, "writes the trace out up to this level");
   app->add_option("--trace-file", options->traceFile, "where to, instead of standard error");
 }
@@ -109,6 +116,32 @@ CLI::App* AddImport(CLI::App* app, Options* options) {
   return cdr;
 }
 
+CLI::App* AddServer(CLI::App* app, Options* options) {
+  CLI::App* const server = app->add_subcommand(
+      "server", "serves call log documents on 127.0.0.1 until it is interrupted");
+  server->add_option("DIRECTORY", options->server.directory, "the documents")->required();
+  server->add_option("--port", options->server.port, "0: any free one")->capture_default_str();
+  server->add_option("--user", options->server.user,
+                     "wants this user; nobody in particular if empty");
+  server->add_option("--password", options->server.password, "and this password");
+  return server;
+}
+
+int RunServer(const Options& options) {
+  // Blocked in every thread, so that sigwait() below gets them.
+  sigset_t ends;
+  sigemptyset(&ends);
+  sigaddset(&ends, SIGINT);
+  sigaddset(&ends, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+  desk::LogServer server(options.server);
+  server.Start();
+  std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;
+  int received = 0;
+  sigwait(&ends, &received);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -120,8 +153,10 @@ int main(int argc, char** argv) {
       "2 when a script held wrong commands.");
   AddOptions(&app, &options);
   CLI::App* const importing = AddImport(&app, &options);
+  CLI::App* const serving = AddServer(&app, &options);
   CLI11_PARSE(app, argc, argv);
   try {
+    if (serving->parsed()) return RunServer(options);
     return RunPhone(options, importing->parsed());
   } catch (const std::exception& error) {
     std::cout << std::flush;

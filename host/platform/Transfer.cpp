@@ -46,7 +46,7 @@ bool TransferService::Start(Transfer& transfer) {
   if (transfer.state != Transfer::State::kNew || !transfer.read) return false;
   if (thread_ == nullptr) {
     thread_ = std::make_unique<TransferThread>(
-        limits_, [this](unsigned int id) { loop_.PostWork([this, id] { Complete(id); }); });
+        limits_, [this](unsigned int id) { loop_.PostWork([this, id] { OnEnded(id); }); });
   }
   transfer.download = std::make_shared<Download>();
   transfer.download->id = transfer.id;
@@ -57,6 +57,18 @@ bool TransferService::Start(Transfer& transfer) {
   thread_->Start(transfer.download);
   if (transfer.sync) ended.wait();
   return true;
+}
+
+void TransferService::OnEnded(unsigned int id) {
+  if (holding_) {
+    held_.push_back(id);
+  } else {
+    Complete(id);
+  }
+}
+
+void TransferService::LetThrough() {
+  for (const unsigned int id : std::exchange(held_, {})) Complete(id);
 }
 
 void TransferService::Complete(unsigned int id) {

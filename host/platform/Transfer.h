@@ -67,17 +67,25 @@ class TransferService {
   // The transfers that have not been completed yet.
   std::size_t Running() const;
 
+  // Keeps completions back until they are let through, for a phone whose time stands still
+  // meanwhile.
+  void Hold() { holding_ = true; }
+  void LetThrough();
+
   // Destroys all actions.
   void Clear();
 
  private:
   void Stop(Transfer& transfer);
+  void OnEnded(unsigned int id);
   void Complete(unsigned int id);
 
   MessageLoop& loop_;
   Trace& trace_;
   const TransferLimits limits_;
   unsigned int lastId_ = 0;
+  bool holding_ = false;
+  std::vector<unsigned int> held_;  // ids of the transfers that have ended
   std::vector<std::unique_ptr<Transfer>> transfers_;
   std::unique_ptr<TransferThread> thread_;  // from the first transfer on
 };
