@@ -11,6 +11,7 @@
 #include "EtlTrace.h"
 #include "NetStatus.h"
 #include "Paths.h"
+#include "RowRange.h"
 #include "ServerTime.h"
 #include "TinyXmlHelper.h"
 #include "XmlReader.h"
@@ -298,15 +299,12 @@ int CBSCallLogModel::GetLogListByClickAction(CallLogSimpleListData* list,
 bool CBSCallLogModel::MyCopyList(CallLogSimpleListData* list, const ListItemData* item) {
   if (list == nullptr || item == nullptr || item->state != LIST_STATE_LOADED) return false;
   const int total = static_cast<int>(item->records.size());
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, list->request_index, list->request_count, total)) {
-    return false;
-  }
+  const auto rows = RequestedRows(*list, total);
+  if (!rows) return false;
   int position = 0;
-  for (auto record = item->records.begin(); record != item->records.end() && position < to;
+  for (auto record = item->records.begin(); record != item->records.end() && position < rows->to;
        ++record, ++position) {
-    if (position < from) continue;
+    if (position < rows->from) continue;
     CallLogSimpleData row;
     row.display_name =
         (*record)->display_name.empty() ? (*record)->number : (*record)->display_name;

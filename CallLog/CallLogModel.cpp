@@ -17,6 +17,7 @@
 #include "HistoryDocument.h"
 #include "NewCallStatus.h"
 #include "Paths.h"
+#include "RowRange.h"
 #include "SettingTime.h"
 #include "ThreadTimer.h"
 #include "XmlReader.h"
@@ -403,17 +404,12 @@ bool CCallLogModel::GetForwardedNotifyList(ForwardedNotifyList* pData) const {
 bool CCallLogModel::GetLogListByType(CallLogSimpleListData* list, int type) {
   etlTrace(3, "--Call log, get %d log list.", type);
   if (list == nullptr || !IsViewType(type)) return false;
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, list->request_index, list->request_count,
-                                   kPageTotal)) {
-    return false;
-  }
+  const auto rows = RequestedRows(*list, kPageTotal);
+  if (!rows) return false;
   int row = -1;
   for (const auto& item : m_listLog) {
     if (!IsInView(*item, type)) continue;
-    ++row;
-    if (row < from || row >= to) continue;
+    if (!rows->Contains(++row)) continue;
     CallLogSimpleData data;
     MyID2CLSD(&data, *item);
     list->items.push_back(data);

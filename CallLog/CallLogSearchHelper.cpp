@@ -6,6 +6,7 @@
 #include "CallLogController.h"
 #include "CommonAPI.h"
 #include "EtlTrace.h"
+#include "RowRange.h"
 
 using ETL_TraceHelper::etlTrace;
 
@@ -56,13 +57,11 @@ Tally TallyOutgoingCalls(const LogList& records) {
 }
 
 template <class Row>
-void AppendRows(const Tally& tally, int from, int to, std::list<Row>* rows) {
-  int position = 0;
+void AppendRows(const Tally& tally, const RowRange& wanted, std::list<Row>* rows) {
+  int position = -1;
   for (const auto& entry : tally) {
-    if (position >= from && position < to) {
-      rows->push_back(MakeRow<Row>(entry->display_name, entry->number));
-    }
-    ++position;
+    if (!wanted.Contains(++position)) continue;
+    rows->push_back(MakeRow<Row>(entry->display_name, entry->number));
   }
 }
 
@@ -144,16 +143,11 @@ bool CCallLogSearchHelper::MyInsert(const ItemData* item) {
 bool CCallLogSearchHelper::MyCopyResult(CallLogSearchListData* result,
                                         const std::string& key) const {
   if (result == nullptr || key.empty()) return false;
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
-                                   static_cast<int>(m_listResult.size()))) {
-    return false;
-  }
+  const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
+  if (!rows) return false;
   int row = -1;
   for (const ItemData* hit : m_listResult) {
-    ++row;
-    if (row >= from && row < to) result->items.push_back(MakeRow(*hit));
+    if (rows->Contains(++row)) result->items.push_back(MakeRow(*hit));
   }
   result->total = row + 1;
   return true;
@@ -162,20 +156,15 @@ bool CCallLogSearchHelper::MyCopyResult(CallLogSearchListData* result,
 bool CCallLogSearchHelper::MySearchFromResult(CallLogSearchListData* result,
                                               const std::string& key) {
   if (result == nullptr || key.empty()) return false;
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
-                                   static_cast<int>(m_listResult.size()))) {
-    return false;
-  }
+  const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
+  if (!rows) return false;
   int row = -1;
   for (auto hit = m_listResult.begin(); hit != m_listResult.end();) {
     if (!MyMatches(**hit, key)) {
       hit = m_listResult.erase(hit);
       continue;
     }
-    ++row;
-    if (row >= from && row < to) result->items.push_back(MakeRow(**hit));
+    if (rows->Contains(++row)) result->items.push_back(MakeRow(**hit));
     ++hit;
   }
   m_strKey = key;
@@ -187,13 +176,9 @@ bool CCallLogSearchHelper::SearchRecentOutCall(CallLogSearchListData* result) {
   if (result == nullptr) return false;
   const Tally tally = TallyOutgoingCalls(MyStoredRecords());
   const int numbers = static_cast<int>(tally.size());
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
-                                   numbers)) {
-    return false;
-  }
-  AppendRows(tally, from, to, &result->items);
+  const auto rows = RequestedRows(*result, numbers);
+  if (!rows) return false;
+  AppendRows(tally, *rows, &result->items);
   result->total = numbers;
   TraceCount(result->total);
   return true;
@@ -202,16 +187,12 @@ bool CCallLogSearchHelper::SearchRecentOutCall(CallLogSearchListData* result) {
 bool CCallLogSearchHelper::SearchRecentOutCall(SuperSearchListData* result) {
   if (result == nullptr) return false;
   const Tally tally = TallyOutgoingCalls(MyStoredRecords());
-  int from = -1;
-  int to = -1;
-  if (!CommonAPI_GetFromAndToIndex(&from, &to, result->request_index, result->request_count,
-                                   kMaxRecentRows)) {
-    return false;
-  }
-  to = std::min(kMaxRecentRows, static_cast<int>(tally.size()));
-  etlTrace(3, "--Call log search: max index is %d", to);
-  AppendRows(tally, from, to, &result->items);
-  result->total = to;
+  auto rows = RequestedRows(*result, kMaxRecentRows);
+  if (!rows) return false;
+  rows->to = std::min(kMaxRecentRows, static_cast<int>(tally.size()));
+  etlTrace(3, "--Call log search: max index is %d", rows->to);
+  AppendRows(tally, *rows, &result->items);
+  result->total = rows->to;
   TraceCount(result->total);
   return true;
 }
