@@ -9,3 +9,8 @@ cd "$2"
 sed 's/127\.0\.0\.1:[0-9]*/127.0.0.1:PORT/; s/port [0-9]*/port PORT/' "$root/out" | diff -u "$4" -
 xmllint --noout "$root"/phone/config/data/*.xml
 [ -z "$(ls "$root/phone/tmp" | grep -v '^BroadSoftCallLog.xml$')" ]
+
+status=0
+echo bogus | "$1" --root "$root/other" >"$root/out" 2>"$root/errors" || status=$?
+[ "$status" -eq 2 ]
+grep -q '^standard input:1: ' "$root/errors"

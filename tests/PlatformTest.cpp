@@ -1,0 +1,144 @@
+// The desktop platform's own promises: the message loop, timers on a moved clock, what is written
+// out.
+#include <tinyxml.h>
+
+#include <climits>
+#include <thread>
+
+#include "CommonAPI.h"
+#include "EtlMsgHandler.h"
+#include "EtlTrace.h"
+#include "PhoneTest.h"
+#include "Text.h"
+#include "ThreadTimer.h"
+#include "TinyXmlHelper.h"
+
+namespace desk {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines handled;
+
+int Note(ETL_MsgQueueHelper::msgObject& msg) {
+  handled.push_back(Format("%x %u %d", msg.message, msg.wParam, msg.lParam));
+  return 0;
+}
+
+int ReplyAndLeave(ETL_MsgQueueHelper::msgObject& msg) {
+  handled.push_back("leaves");
+  msg.ReplyMessage(5);
+  msg.ReplyMessage(6);
+  EtlMsgHandler_UnregisterMsgHandle(10, 20, ReplyAndLeave);
+  EtlMsgHandler_UnregisterMsgHandle(15, 15, Note);
+  return 0;
+}
+
+class PlatformTest : public PhoneTest {
+ protected:
+  PlatformTest() { handled.clear(); }
+  static Lines TakeHandled() { return std::exchange(handled, {}); }
+};
+
+TEST_F(PlatformTest, HandlersAreFoundByRangeAndRemovedByRangeAndFunction) {
+  EXPECT_FALSE(EtlMsgHandler_RegisterMsgHandle(2, 1, Note));
+  EXPECT_FALSE(EtlMsgHandler_RegisterMsgHandle(1, 2, nullptr));
+  EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(10, 20, ReplyAndLeave));
+  EXPECT_FALSE(EtlMsgHandler_RegisterMsgHandle(10, 20, ReplyAndLeave));
+  EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(15, 15, Note));
+  EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(20, 30, Note));
+  EXPECT_FALSE(EtlMsgHandler_UnregisterMsgHandle(20, 31, Note));
+
+  EXPECT_EQ(desktop->loop.Send({15, 1, -1, {}}), 5) << "the first reply counts";
+  EXPECT_EQ(TakeHandled(), Lines{"leaves"}) << "one handler removed itself and the next";
+  EXPECT_EQ(desktop->loop.Send({15, 1, -1, {}}), std::nullopt);
+  desktop->loop.Send({30, 1, -1, {}});
+  desktop->loop.Send({31, 1, -1, {}});
+  EXPECT_EQ(TakeHandled(), Lines{"1e 1 -1"});
+}
+
+TEST_F(PlatformTest, PostsOfAnyThreadAreDeliveredOnTheLoopsThread) {
+  constexpr unsigned int kEach = 500;
+  EtlMsgHandler_RegisterMsgHandle(1, 4, Note);
+  std::vector<std::thread> threads;
+  for (unsigned int message = 1; message <= 4; ++message) {
+    threads.emplace_back([&, message] {
+      for (unsigned int i = 0; i < kEach; ++i) desktop->loop.Post({message, i, 0, {}});
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(TakeHandled().empty());
+  EXPECT_TRUE(desktop->loop.WaitForPost(Milliseconds(0)));
+  EXPECT_EQ(desktop->loop.Deliver(), 4 * kEach);
+  EXPECT_EQ(TakeHandled().size(), 4 * kEach);
+}
+
+TEST_F(PlatformTest, TimersFireOnceInTheOrderOfTheirTimes) {
+  EtlMsgHandler_RegisterMsgHandle(0x8113, 0x8113, Note);
+  timerSetThreadTimer(1, 300);
+  timerSetThreadTimer(2, 100);
+  timerSetThreadTimer(3, 200);
+  timerSetThreadTimer(1, 50);  // starts anew
+  EXPECT_TRUE(timerKillThreadTimer(3));
+  EXPECT_FALSE(timerKillThreadTimer(3));
+  desktop->Advance(Milliseconds(99));
+  EXPECT_EQ(TakeHandled(), Lines{"8113 1 0"});
+  desktop->Advance(Milliseconds(1));
+  EXPECT_EQ(TakeHandled(), Lines{"8113 2 0"});
+  desktop->Advance(std::chrono::hours(24));
+  EXPECT_TRUE(TakeHandled().empty());
+  EXPECT_EQ(desktop->clock().Wall(), kNow + 24 * 3600);
+}
+
+TEST_F(PlatformTest, AFileOfTraceHoldsNeitherPasswordsNorControls) {
+  desktop->trace.SetLevel(2);
+  ASSERT_TRUE(desktop->trace.SetFile(root.path() / "trace"));
+  const struct {
+    int level;
+    const char* text;
+  } rows[] = {
+      {2, "[http://anna@example.org:p@ss:1@h:8080/user/anna@example.org] and https://u:p@h"},
+      {2, "name \x1B[31m\xC3\xE2\x80\xAE\n[2] forged"},
+      {3, "too fine"},
+      {1, "no://credentials/here@all"}};
+  for (const auto& row : rows) ETL_TraceHelper::etlTrace(row.level, "%s", row.text);
+  EXPECT_EQ(ReadFile(root.path() / "trace"),
+            "[2] [http://***@h:8080/user/anna@example.org] and https://***@h\n"
+            "[2] name \\x1B[31m\\xC3\\xE2\\x80\\xAE\\x0A[2] forged\n"
+            "[1] no://credentials/here@all\n");
+}
+
+TEST_F(PlatformTest, PagesAndNumbersStayWithinInt) {
+  const struct {
+    int index, count, from, to;  // from -1: refused
+  } pages[] = {{0, 1, 0, 1},
+               {399, 5, 399, 404},
+               {INT_MAX, 1, INT_MAX, INT_MAX},
+               {5, INT_MAX, 5, INT_MAX},
+               {-1, 5, -1, -1},
+               {0, 0, -1, -1},
+               {0, INT_MIN, -1, -1}};
+  for (const auto& page : pages) {
+    int from = -1;
+    int to = -1;
+    EXPECT_EQ(CommonAPI_GetFromAndToIndex(&from, &to, page.index, page.count, 100), page.from >= 0);
+    EXPECT_EQ(from, page.from);
+    EXPECT_EQ(to, page.to);
+  }
+
+  const std::pair<const char*, int> numbers[] = {{"12", 12},   {"-12", -12},
+                                                 {"+7", 7},    {"2147483648", INT_MAX},
+                                                 {"-9e9", 99}, {"-9999999999", INT_MIN},
+                                                 {"", 99},     {" 1", 99},
+                                                 {"1 ", 99},   {"+-1", 99},
+                                                 {"0x10", 99}};
+  for (const auto& [text, value] : numbers) {
+    TiXmlElement element("e");
+    element.SetAttribute("a", text);
+    EXPECT_EQ(TinyXml_GetIntAttr(&element, "a", 99), value) << text;
+  }
+  EXPECT_EQ(TinyXml_GetIntAttr(nullptr, "a", 99), 99);
+}
+
+}  // namespace
+}  // namespace desk
