@@ -9,8 +9,6 @@
 namespace NS_CALLLOG {
 namespace {
 
-constexpr unsigned int kTimerMessage = 0x8113;
-
 constexpr char kRedialAction[] = "OpenSubPage(call_log_2)";
 constexpr int kDefaultAccount = -1;
 

@@ -8,6 +8,7 @@
 
 #include "AccountManager.h"
 #include "CallLogSearchHelper.h"
+#include "CallTypes.h"
 #include "CommonAPI.h"
 #include "CommonUnits.h"
 #include "ConfigParser.h"
@@ -30,17 +31,12 @@ namespace NS_CALLLOG {
 namespace {
 
 using ItemData = CCallLogModel::ItemData;
-
-constexpr int kAllTypes = 0;
-constexpr int kOutgoing = 1;
-constexpr int kMissed = 2;
-constexpr int kForwarded = 4;
+using LogList = CCallLogModel::LogList;
 
 constexpr int kMaxRecordsPerType = 100;
 constexpr int kMaxNotifyRows = 21;
 constexpr int kPageTotal = 100;
 
-constexpr unsigned int kTimerMessage = 0x8113;
 constexpr unsigned int kSaveTimer = 90010;
 constexpr unsigned int kSaveDelay = 5000;  // milliseconds
 
@@ -75,8 +71,8 @@ std::string HistoryPath() {
 }
 
 // Clears the new mark of the records of `type` that `matches` takes; how many there were.
-template <class List, class Matches>
-int MarkSeen(const List& records, int type, Matches matches) {
+template <class Matches>
+int MarkSeen(const LogList& records, int type, Matches matches) {
   int seen = 0;
   for (const auto& item : records) {
     if (!IsNew(*item, type) || !matches(*item)) continue;
@@ -95,8 +91,8 @@ struct HasRemoteNumber {
 
 // Tallies the new records of `type` by name, newest first. `fill` completes a row that is appended
 // for its first record; names beyond the room of one request are left out.
-template <class List, class Row, class Fill>
-void TallyNewCalls(const List& records, int type, std::list<Row>* rows, Fill fill) {
+template <class Row, class Fill>
+void TallyNewCalls(const LogList& records, int type, std::list<Row>* rows, Fill fill) {
   int added = 0;
   for (const auto& item : records) {
     if (!IsNew(*item, type)) continue;

@@ -14,6 +14,9 @@ class msgObject;
 
 namespace NS_CALLLOG {
 
+// The thread-timer message; its wParam is the timer's id.
+inline constexpr unsigned int kTimerMessage = 0x8113;
+
 class CCallLogSearchHelper;
 
 class CCallLogModel {

@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "CallLogController.h"
+#include "CallTypes.h"
 #include "CommonAPI.h"
 #include "EtlTrace.h"
 #include "RowRange.h"
@@ -16,7 +17,6 @@ namespace {
 using ItemData = CCallLogModel::ItemData;
 using LogList = CCallLogModel::LogList;
 
-constexpr int kOutgoing = 1;
 constexpr int kMaxRecentRows = 10;
 
 bool BeginsWith(const std::string& text, const std::string& key) {
