@@ -183,8 +183,9 @@ TEST_F(TransferTest, FailsForManyReasons) {
       {"/Missed", {Kind::kCut, 0, {}}, usual, "Transferred a partial file"},
       {"/Full", {}, usual, ""},
       {"/Big", {}, usual, "the document is too long"},
-      {"/Missed", {Kind::kEndless, 0, {}}, usual, "the document is too long"},
+      {"/Missed", {Kind::kEndless, 0, {}}, {100000, 10, 15, 60, 5}, "the document is too long"},
       {"/Missed", {Kind::kStall, 0, {}}, {1000, 10, 1, 60, 5}, "no byte for 1 s"},
+      {"/Missed", {Kind::kHold, 0, {}}, {1000, 10, 1, 60, 5}, "no byte for 1 s"},
       {"/Missed", {Kind::kHold, 0, {}}, {1000, 10, 15, 1, 5}, "Timeout was reached"},
       {"/Missed", {Kind::kPage, 0, {}}, usual, ""},
       {"/a", {Kind::kRedirect, 0, "/Missed"}, usual, ""},
@@ -245,14 +246,15 @@ TEST_F(TransferTest, RefusesAnUncertifiedServer) {
   X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -60);
   X509_gmtime_adj(X509_getm_notAfter(certificate.get()), 3600);
   X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate.get()), "CN", MBSTRING_ASC,
-                             reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
+                             reinterpret_cast<const unsigned char*>("localhost"), -1, -1, 0);
+  X509_set_issuer_name(certificate.get(), X509_get_subject_name(certificate.get()));
   X509_set_pubkey(certificate.get(), key.get());
   X509_sign(certificate.get(), key.get(), EVP_sha256());
   httplib::SSLServer secure(certificate.get(), key.get());
   const int port = secure.bind_to_any_port("127.0.0.1");
   secure.Get("/", [](const httplib::Request&, httplib::Response&) { ADD_FAILURE(); });
   std::thread serving([&] { secure.listen_after_bind(); });
-  EXPECT_FALSE(Fetch("https://127.0.0.1:" + std::to_string(port) + "/").succeeded);
+  EXPECT_FALSE(Fetch("https://localhost:" + std::to_string(port) + "/").succeeded);
   const auto trace = desktop->journal.LinesOf({"trace"});
   ASSERT_EQ(trace.size(), 1u);
   EXPECT_NE(trace.front().find("certificate"), std::string::npos) << trace.front();
@@ -336,6 +338,24 @@ TEST_F(TransferTest, NobodyHearsOfWhatWasDestroyed) {
   }
 }
 
+TEST_F(TransferTest, AnActionNeedsNeitherReceiverNorDestruction) {
+  auto receiver = std::make_unique<Receiver>();
+  auto* const action = TaskAction_CreateNetworkFileAction(local().c_str(), UrlOf("/None").c_str());
+  action->SetCallback(receiver.get());
+  receiver.reset();
+  EXPECT_TRUE(TaskAction_ExecAction(action));
+  Complete(1);
+  EXPECT_FALSE(action->IsOperationSucceed());
+  EXPECT_EQ(Folder(), Names{"log.xml"});
+  EXPECT_EQ(ReadFile(local()), kBefore);
+
+  Receiver stranger;
+  ETL_MsgQueueHelper::msgObject message;
+  message.message = TransferService::kEndedMessage;
+  message.wParam = static_cast<Transfer*>(action)->id;
+  EXPECT_FALSE(stranger.TryThreadMessage(message));
+}
+
 TEST_F(TransferTest, ThePlatformStopsWhatRuns) {
   Receiver receiver;
   for (const bool stops : {false, true}) {
@@ -379,6 +399,7 @@ TEST_F(TransferTest, RefusesWhatItCannotDo) {
   ETL_MsgQueueHelper::msgObject message;
   EXPECT_FALSE(receiver.TryThreadMessage(message));
   message.message = TransferService::kEndedMessage;
+  message.wParam = static_cast<Transfer*>(action)->id;
   EXPECT_FALSE(receiver.TryThreadMessage(message));
   Complete(1);
   EXPECT_EQ(receiver.completions.size(), 1u);

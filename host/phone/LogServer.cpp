@@ -64,18 +64,10 @@ void LogServer::Start() {
   // A held request keeps its thread, and nobody should have to wait for a connection that idles.
   server_->new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(64).release(); };
   server_->set_keep_alive_max_count(1);
-  // The library's own choice would let two servers share a port.
-  server_->set_socket_options([](int socket) {
-    const int yes = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  });
   server_->Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
     Answer(request, response);
   });
-  port_ = settings_.port;
-  const bool bound = port_ != 0 ? server_->bind_to_port(kHost, port_)
-                                : (port_ = server_->bind_to_any_port(kHost)) > 0;
-  if (!bound) {
+  if (!Bind()) {
     server_.reset();
     throw std::runtime_error("cannot serve on " + std::string(kHost) + ":" +
                              std::to_string(settings_.port));
@@ -83,6 +75,24 @@ void LogServer::Start() {
   stopping_ = false;
   thread_ = std::thread([this] { server_->listen_after_bind(); });
   while (!server_->is_running()) std::this_thread::yield();  // before that it cannot be stopped
+}
+
+bool LogServer::Bind() {
+  int listener = -1;
+  server_->set_socket_options([&listener](int socket) {
+    // The library's own options would let two servers share a port.
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    listener = socket;
+  });
+  port_ = settings_.port;
+  if (port_ == 0) {
+    port_ = server_->bind_to_any_port(kHost);
+  } else if (!server_->bind_to_port(kHost, port_)) {
+    return false;
+  }
+  // The library lets only five connections wait.
+  return port_ > 0 && listen(listener, SOMAXCONN) == 0;
 }
 
 void LogServer::Stop() {

@@ -74,6 +74,7 @@ class LogServer {
     int requests = 0;
   };
 
+  bool Bind();
   void Answer(const httplib::Request& request, httplib::Response& response);
   void AnswerHalf(const std::string& path, const std::string& document, Behaviour::Kind kind,
                   httplib::Response& response);

@@ -40,15 +40,13 @@ void MessageLoop::Post(const Message& message) {
   PostWork([this, message] { Send(message); });
 }
 
+// The wake-up is called under the lock: once it has been replaced, nobody calls the old one any
+// more.
 void MessageLoop::PostWork(std::function<void()> work) {
-  std::function<void()> wakeUp;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    queue_.push_back(std::move(work));
-    wakeUp = wakeUp_;
-  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  queue_.push_back(std::move(work));
   posted_.notify_all();
-  if (wakeUp) wakeUp();
+  if (wakeUp_) wakeUp_();
 }
 
 bool MessageLoop::WaitForPost(std::chrono::milliseconds limit) {
@@ -102,14 +100,10 @@ void MessageLoop::NotifyApp(Message message) {
   constexpr std::size_t kMaxKept = 1000;
   journal_.Add(Format("app 0x%x %u %d", message.message, message.wParam, message.lParam) +
                (message.extra.empty() ? "" : " " + MaskCredentials(CString(message.extra))));
-  std::function<void()> wakeUp;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (appMessages_.size() == kMaxKept) appMessages_.pop_front();
-    appMessages_.push_back(std::move(message));
-    wakeUp = wakeUp_;
-  }
-  if (wakeUp) wakeUp();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (appMessages_.size() == kMaxKept) appMessages_.pop_front();
+  appMessages_.push_back(std::move(message));
+  if (wakeUp_) wakeUp_();
 }
 
 bool MessageLoop::HasAppMessages() const {

@@ -45,7 +45,8 @@ class MessageLoop {
   using Observer = std::function<void(const Message&, int result)>;
   void SetObserver(Observer observer) { observer_ = std::move(observer); }
 
-  // Called after each post, on the posting thread: how a thread that sleeps in poll() is woken.
+  // Called with each post, on the posting thread: how a thread that sleeps in poll() is woken. It
+  // must not post itself.
   void SetWakeUp(std::function<void()> wakeUp);
 
   // Waits until something is queued, or the time is over. True when something is.
