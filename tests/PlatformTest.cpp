@@ -100,12 +100,12 @@ TEST_F(PlatformTest, AFileOfTraceHoldsNeitherPasswordsNorControls) {
       {2, "[http://anna@example.org:p@ss:1@h:8080/user/anna@example.org] and https://u:p@h"},
       {2, "name \x1B[31m\xC3\xE2\x80\xAE\n[2] forged"},
       {3, "too fine"},
-      {1, "no://credentials/here@all"}};
+      {1, "no://credentials/here@all http://anna:se/cr@et@h/x"}};
   for (const auto& row : rows) ETL_TraceHelper::etlTrace(row.level, "%s", row.text);
   EXPECT_EQ(ReadFile(root.path() / "trace"),
             "[2] [http://***@h:8080/user/anna@example.org] and https://***@h\n"
             "[2] name \\x1B[31m\\xC3\\xE2\\x80\\xAE\\x0A[2] forged\n"
-            "[1] no://credentials/here@all\n");
+            "[1] no://credentials/here@all http://***@h/x\n");
 }
 
 TEST_F(PlatformTest, PagesAndNumbersStayWithinInt) {

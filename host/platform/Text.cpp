@@ -28,25 +28,35 @@ std::string Format(const char* format, ...) {
 
 std::string CString(const std::string& bytes) { return bytes.c_str(); }
 
+namespace {
+
+// Where the credentials at the start of `rest`, which follows "://", end: at the last "@" before
+// the first "/". A colon without "@" there may be the middle of credentials that hold a "/", which
+// no URL can carry: then all up to the last "@" of the word is hidden rather than shown.
+std::size_t CredentialsEnd(std::string_view rest) {
+  const std::string_view word = rest.substr(0, rest.find_first_of(" \t\n"));
+  const std::string_view authority = word.substr(0, word.find('/'));
+  const std::size_t at = authority.rfind('@');
+  if (at != std::string_view::npos || authority.find(':') == std::string_view::npos) return at;
+  return word.rfind('@');
+}
+
+}  // namespace
+
 std::string MaskCredentials(std::string_view text) {
   constexpr std::string_view kSchemeEnd = "://";
   std::string masked;
-  std::size_t position = 0;
   for (;;) {
-    const std::size_t scheme = text.find(kSchemeEnd, position);
-    if (scheme == std::string_view::npos) break;
-    const std::size_t authority = scheme + kSchemeEnd.size();
-    const std::size_t end = text.find('/', authority);
-    const std::size_t length = (end == std::string_view::npos ? text.size() : end) - authority;
-    const std::size_t at = text.substr(authority, length).rfind('@');
-    masked += text.substr(position, authority - position);
-    position = authority;
-    if (at != std::string_view::npos) {
-      masked += "***";
-      position += at;
-    }
+    const std::size_t scheme = text.find(kSchemeEnd);
+    if (scheme == std::string_view::npos) return masked.append(text);
+    const std::size_t start = scheme + kSchemeEnd.size();
+    masked.append(text.substr(0, start));
+    text.remove_prefix(start);
+    const std::size_t end = CredentialsEnd(text);
+    if (end == std::string_view::npos) continue;
+    masked += "***";
+    text.remove_prefix(end);
   }
-  return masked.append(text.substr(position));
 }
 
 std::string Printable(std::string_view text) {

@@ -106,10 +106,13 @@ void TransferService::Destroy(const NS_TA::CTaskAction* action) {
 }
 
 void TransferService::Detach(const NS_TA::CTaskActionCallbackBase* callback) {
-  for (const auto& transfer : transfers_) {
-    if (transfer->callback != callback) continue;
-    Stop(*transfer);
-    transfer->callback = nullptr;
+  for (auto transfer = transfers_.begin(); transfer != transfers_.end();) {
+    if ((*transfer)->callback == callback) {
+      Stop(**transfer);
+      transfer = transfers_.erase(transfer);
+    } else {
+      ++transfer;
+    }
   }
 }
 

@@ -59,7 +59,7 @@ class TransferService {
   bool Start(Transfer& transfer);
   // Stops it if it runs. An action that the service does not know is ignored.
   void Destroy(const NS_TA::CTaskAction* action);
-  // Stops whatever would report to `callback`.
+  // Stops and destroys whatever would report to `callback`.
   void Detach(const NS_TA::CTaskActionCallbackBase* callback);
   // The action that has ended under this id; null when it is gone.
   Transfer* FindEnded(unsigned int id) const;
