@@ -28,24 +28,6 @@ std::string Repeat(const std::string& text, int count) {
   return all;
 }
 
-// A pipe that holds `bytes` and then ends, under a path of its own.
-class FilledPipe {
- public:
-  explicit FilledPipe(const std::string& bytes) {
-    EXPECT_EQ(pipe(ends_), 0);
-    EXPECT_EQ(write(ends_[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    close(ends_[1]);
-  }
-  ~FilledPipe() { close(ends_[0]); }
-  FilledPipe(const FilledPipe&) = delete;
-  FilledPipe& operator=(const FilledPipe&) = delete;
-
-  fs::path path() const { return "/proc/self/fd/" + std::to_string(ends_[0]); }
-
- private:
-  int ends_[2] = {};
-};
-
 class HistoryFileTest : public PhoneTest {
  protected:
   // Starts the phone with this history file.
@@ -361,7 +343,6 @@ TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
 
 TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {
   const fs::path file = HistoryFile();
-  const FilledPipe pipe(Root("<item/>"));
   const auto truncated = [&](std::uintmax_t size) {
     WriteFile(file, "<root_call_log>");
     fs::resize_file(file, size);
@@ -373,13 +354,11 @@ TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {
   } rows[] = {
       {"directory", [&] { fs::create_directory(file); }, 0},
       {"FIFO", [&] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); }, -1},
-      {"pipe with a history in it", [&] { fs::create_symlink(pipe.path(), file); }, 0},
       {"link to /dev/zero", [&] { fs::create_symlink("/dev/zero", file); }, 0},
       {"link to /dev/full", [&] { fs::create_symlink("/dev/full", file); }, 0},
       {"link to itself", [&] { fs::create_symlink(file, file); }, 0},
       {"link to nothing", [&] { fs::create_symlink("nothing.xml", file); }, 1},
       {"3 GB", [&] { truncated(3'000'000'000); }, 1},
-      {"2 GB less one byte", [&] { truncated(INT_MAX); }, 1},
       {"1.5 GB", [&] { truncated(1'500'000'000); }, 1},
   };
   for (const auto& row : rows) {
@@ -432,33 +411,21 @@ TEST_F(HistoryFileTest, ThatMemoryIsTooShortForLeavesThePhoneAlive) {
 }
 #endif
 
-// Six records with something of everything.
-std::string GoodFile() {
+TEST_F(HistoryFileTest, CutOrDamagedAnywhereIsWholeOrEmptyAndSavedAgain) {
   PlainCalls calls;
   for (const char* name : {"Zo\u00EB", "a\"b'", "<&>", "", "\U0001F600", "Bo"}) {
     const int position = static_cast<int>(calls.size());
     calls.push_back(Call(name, 1 + position % 4, 1000 - position, position));
     calls.back().remote_sip_name = std::to_string(position);
   }
-  return FileText(calls);
-}
-
-TEST_F(HistoryFileTest, CutAnywhereIsWholeOrEmpty) {
-  const std::string good = GoodFile();
+  const std::string good = FileText(calls);
   EXPECT_EQ(Rewritten(good), good);
   const std::size_t end = good.find_last_of('>') + 1;
-  for (std::size_t length = 0; length <= good.size(); ++length) {
-    StartWith(good.substr(0, length));
-    EXPECT_EQ(Size(), length < end ? 0 : 6);
-    if (length % 16 == 0) ExpectNextSaveIsGood();
-    ASSERT_FALSE(HasFailure()) << length;
-  }
-}
-
-TEST_F(HistoryFileTest, WithAnyByteDamagedStartsAndSavesAgain) {
-  const std::string good = GoodFile();
   int tried = 0;
   for (std::size_t position = 0; position < good.size(); ++position) {
+    StartWith(good.substr(0, position));
+    EXPECT_EQ(Size(), position < end ? 0 : 6);
+    if (position % 16 == 0) ExpectNextSaveIsGood();
     for (const char damage : std::string("\0<>\"'/& a\x80\xC3\xF0", 12)) {
       std::string bytes = good;
       bytes[position] = damage;

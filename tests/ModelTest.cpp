@@ -1,6 +1,6 @@
-// The module and a plain model of it, through 100,000 random events: calls, updates, removals,
-// waiting, saving and power failures. Both must agree in everything that can be seen. Another seed
-// can be tried with the environment variable CALLLOG_SEED.
+// The module and a plain model of it, through 100,000 random events: calls, new names, removals,
+// searches, redials, waiting, saving and power failures. Both must agree in everything that can be
+// seen. Another seed can be tried with the environment variable CALLLOG_SEED.
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -41,6 +41,7 @@ class ModelTest : public PhoneTest {
   bool OneIn(int chances) { return Below(chances) == 0; }
 
   std::string RandomBytes();
+  int RandomByte();
   std::string RandomNumber();
   std::string RandomTarget();
   std::string RandomName();
@@ -49,7 +50,11 @@ class ModelTest : public PhoneTest {
 
   std::string Step();
   void Update();
+  void UpdateNames();
   void RemoveSeveral();
+  void TypeKeys();
+  void ReadMostDialled();
+  void Redial();
   void ReadNotifyLists();
   void OpenList(int view);
 
@@ -57,11 +62,19 @@ class ModelTest : public PhoneTest {
   void CheckCheapThings();
   void CheckEverything();
 
+  template <class Page>
+  void ExpectPage(int result, const Page& page, const std::optional<PlainPage>& expected);
+
   std::mt19937 random_;
   PlainModel model_;
+  std::vector<Letter> typed_;  // a text of which some letters are typed
+  std::size_t typedCount_ = 0;
   int step_ = 0;
   bool restarted_ = false;  // by the event of this step
 };
+
+// One that forms no letter with those before it.
+int ModelTest::RandomByte() { return OneIn(8) ? 0xF8 + Below(8) : 1 + Below(0x7F); }
 
 std::string ModelTest::RandomBytes() {
   static const std::string kPieces[] = {"\"",       "'",        "&",   "<",    ">",
@@ -72,7 +85,7 @@ std::string ModelTest::RandomBytes() {
     if (OneIn(2)) {
       bytes += kPieces[Below(static_cast<int>(std::size(kPieces)))];
     } else {
-      bytes += static_cast<char>(1 + Below(255));
+      bytes += static_cast<char>(RandomByte());
     }
   }
   return bytes;
@@ -89,7 +102,8 @@ std::string ModelTest::RandomTarget() {
 }
 
 std::string ModelTest::RandomName() {
-  static const std::string kNames[] = {"", "", "", "Bo", "Anna", "1004", std::string("Z\0e", 3)};
+  static const std::string kNames[] = {
+      "", "", "", "Bo", "Anna", "1004", std::string("Z\0e", 3), "Łukasz", "*1Bé"};
   return OneIn(8) ? RandomBytes() : kNames[Below(static_cast<int>(std::size(kNames)))];
 }
 
@@ -124,12 +138,87 @@ void ModelTest::Update() {
   model_.Update(contact);
 }
 
+void ModelTest::UpdateNames() {
+  std::list<SuperSearchItemData> names(static_cast<std::size_t>(Below(4)));
+  for (SuperSearchItemData& entry : names) {
+    entry.number = OneIn(3) ? RandomTarget() : RandomNumber();
+    entry.display_name = RandomName();
+  }
+  Controller().UpdateDispName(names);
+  model_.UpdateNames(names);
+}
+
 void ModelTest::RemoveSeveral() {
   const int view = Below(6);
   std::list<int> rows;
   for (int i = Below(5); i > 0; --i) rows.push_back(RandomRow(view));
   EXPECT_EQ(Controller().RemoveLogList(Action(view), rows), 1);
   model_.Remove(view, {rows.begin(), rows.end()});
+}
+
+template <class Page>
+void ModelTest::ExpectPage(int result, const Page& page, const std::optional<PlainPage>& expected) {
+  ASSERT_EQ(result, expected ? 1 : 0);
+  PlainPage got;
+  got.total = page.total;
+  for (const auto& row : page.items) got.rows.push_back(row.display_name + ", " + row.number);
+  EXPECT_TRUE(got == expected.value_or(PlainPage()));
+}
+
+// Some keys, mostly each longer than the one before, on pages that are mostly there.
+void ModelTest::TypeKeys() {
+  for (int keys = Below(8); keys > 0; --keys) {
+    if (OneIn(5)) {
+      const auto calls = model_.View(0);
+      const std::size_t row = static_cast<std::size_t>(Below(1 + static_cast<int>(calls.size())));
+      const std::string name = row < calls.size() ? calls[row]->Name() : RandomName();
+      typed_ = Letters(OneIn(3)   ? KeysOf(name)
+                       : OneIn(3) ? Folded(name)
+                       : OneIn(2) ? RandomNumber()
+                                  : name);
+      typedCount_ = 0;
+    }
+    if (!OneIn(4) && typedCount_ < typed_.size()) ++typedCount_;
+    if (OneIn(9) && typedCount_ > 0) --typedCount_;
+    std::string key;
+    for (std::size_t i = 0; i < typedCount_; ++i) key += typed_[i].bytes;
+    CallLogSearchListData page;
+    page.request_index = OneIn(3) ? Below(9) - 1 : 0;
+    page.request_count = Below(9);
+    const int result = CallLog_Search(&page, key);
+    ExpectPage(result, page, model_.Search(key, page.request_index, page.request_count));
+  }
+}
+
+void ModelTest::ReadMostDialled() {
+  CallLogSearchListData all;
+  SuperSearchListData ten;
+  const int first = Below(14) - 1;
+  const int count = Below(9);
+  all.request_index = ten.request_index = first;
+  all.request_count = ten.request_count = count;
+  const int result = CallLog_SearchRecentOutCall(&all);
+  ExpectPage(result, all, model_.MostDialled(false, first, count));
+  const int resultOfTen = CallLog_SuperSearchRecentOutCall(&ten);
+  ExpectPage(resultOfTen, ten, model_.MostDialled(true, first, count));
+}
+
+void ModelTest::Redial() {
+  for (Account account :
+       {Account(1, "anna", "sip.example.org"), Account(2, "quiet", "sip.example.org")}) {
+    desktop->accounts.Find(account.name)->usable = OneIn(2);
+    model_.usable.erase(account.name);
+    if (desktop->accounts.Find(account.name)->usable) model_.usable[account.name] = account.id;
+  }
+  desktop->talk = Talk();
+  Controller().RedialNumberByClickAction(Action(2));
+  const std::string number = model_.LastNumber(true);
+  ASSERT_EQ(desktop->talk.call.has_value(), !number.empty());
+  if (number.empty()) return;
+  const auto contact = kContacts.find(number);
+  EXPECT_EQ(desktop->talk.call->number, number);
+  EXPECT_EQ(desktop->talk.call->name, contact != kContacts.end() ? contact->second : number);
+  EXPECT_EQ(desktop->talk.call->accountId, model_.RedialAccount());
 }
 
 void ModelTest::ReadNotifyLists() {
@@ -182,7 +271,7 @@ std::string ModelTest::Step() {
   // At times nobody looks at the phone, so that many callers gather.
   const bool attended = step_ / 500 % 2 == 0;
   const int view = Below(6);
-  const int chance = Below(1000);
+  const int chance = Below(1060);
   if (chance < 640) {
     const CallLogAddItemData call = RandomCall();
     EXPECT_EQ(CallLog_AddLog(call), model_.Add(call));
@@ -224,6 +313,15 @@ std::string ModelTest::Step() {
     model_.PowerCycle();
     restarted_ = true;
     return "power cycle";
+  }
+  if (chance < 1015) return TypeKeys(), "search";
+  if (chance < 1030) return ReadMostDialled(), "most dialled";
+  if (chance < 1040) return Redial(), "redial";
+  if (chance < 1049) return UpdateNames(), "refresh names";
+  if (chance < 1050) {
+    EXPECT_EQ(CallLog_ResetLogContactName(), 1);
+    model_.ForgetNames();
+    return "forget names";
   }
   model_.saving = !OneIn(8);
   desktop->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;

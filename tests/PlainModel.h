@@ -5,6 +5,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <list>
 #include <map>
 #include <optional>
 #include <set>
@@ -18,27 +19,73 @@
 
 namespace desk {
 
+// A character of a text, or a byte that belongs to none (`code` is negative then).
+struct Letter {
+  std::string bytes;
+  int code;
+};
+
+inline std::vector<Letter> Letters(const std::string& text) {
+  std::vector<Letter> letters;
+  for (std::size_t at = 0; at < text.size(); at += letters.back().bytes.size()) {
+    utf8proc_int32_t code = 0;
+    const auto* rest = reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at);
+    const utf8proc_ssize_t found =
+        utf8proc_iterate(rest, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
+    letters.push_back({text.substr(at, found > 0 ? static_cast<std::size_t>(found) : 1), code});
+  }
+  return letters;
+}
+
 // What the history file keeps of a string.
 inline std::string KeptText(const std::string& string) {
-  const std::string bytes = string.c_str();
   std::string text;
-  for (std::size_t at = 0; at < bytes.size();) {
-    utf8proc_int32_t c = 0;
-    const auto* rest = reinterpret_cast<const utf8proc_uint8_t*>(bytes.data() + at);
-    const utf8proc_ssize_t found =
-        utf8proc_iterate(rest, static_cast<utf8proc_ssize_t>(bytes.size() - at), &c);
-    const std::size_t length = found > 0 ? static_cast<std::size_t>(found) : 1;
+  for (const auto& [bytes, c] : Letters(string.c_str())) {
     const bool forbidden =
         (c < ' ' && c != '\t' && c != '\n' && c != '\r') || c == 0xFFFE || c == 0xFFFF;
-    text += found <= 0 || forbidden ? "\uFFFD" : bytes.substr(at, length);
-    at += length;
+    text += forbidden ? "\uFFFD" : bytes;
   }
   return text;
+}
+
+// How names and keys are compared. It knows the accented letters of ModelTest's names only.
+inline std::string Folded(const std::string& text) {
+  std::string folded;
+  for (const auto& [bytes, c] : Letters(text)) {
+    switch (c) {
+      case 0xE9:
+      case 0xEB: folded += 'e'; break;
+      case 0x141: folded += 'l'; break;
+      default: folded += c >= 'A' && c <= 'Z' ? std::string(1, static_cast<char>(c + 32)) : bytes;
+    }
+  }
+  return folded;
+}
+
+inline std::string KeysOf(const std::string& name) {
+  std::string keys;
+  for (const char c : Folded(name)) {
+    if (c >= 'a' && c <= 'z') keys += "22233344455566677778889999"[c - 'a'];
+    if ((c >= '0' && c <= '9') || c == '*' || c == '#' || c == '+') keys += c;
+  }
+  return keys;
+}
+
+// Whether `text` begins with a folded key; half a letter is none.
+inline bool Begins(const std::string& text, const std::string& key) {
+  const std::string folded = Folded(text);
+  if (folded.compare(0, key.size(), key) != 0) return false;
+  std::size_t end = 0;
+  for (const Letter& letter : Letters(folded)) {
+    if (end < key.size()) end += letter.bytes.size();
+  }
+  return end == key.size();
 }
 
 // A call as it is stored: `remote_display_name` and `forward_display_name` are the names shown.
 struct PlainCall : CallLogAddItemData {
   bool isNew = false;
+  std::string keys{};  // the first name on the key pad
 
   bool IsIn(int view) const { return view == 0 || view == type; }
   const std::string& Name() const {
@@ -50,6 +97,28 @@ struct PlainCall : CallLogAddItemData {
 };
 
 using PlainCalls = std::vector<PlainCall>;
+
+// A page as "name, number" rows.
+struct PlainPage {
+  std::vector<std::string> rows;
+  int total = 0;
+
+  bool operator==(const PlainPage& other) const {
+    return rows == other.rows && total == other.total;
+  }
+};
+
+// The rows of a list on one page; nothing when the page is refused.
+inline std::optional<PlainPage> PageOf(const PlainCalls& calls, int first, int count) {
+  if (first < 0 || count < 1) return std::nullopt;
+  PlainPage page;
+  for (const PlainCall& call : calls) {
+    const bool wanted = page.total >= first && page.total - first < count;
+    if (wanted) page.rows.push_back(call.Name() + ", " + call.remote_sip_name);
+    ++page.total;
+  }
+  return page;
+}
 
 inline std::string FileAttribute(const std::string& name, const std::string& string) {
   const char quote = string.find('"') == std::string::npos ? '"' : '\'';
@@ -92,6 +161,7 @@ class PlainModel {
  public:
   std::map<std::string, std::string> contacts;  // names by number
   std::set<std::string> withoutMissed;          // full names of accounts that keep no missed calls
+  std::map<std::string, int> usable;            // accounts that can call: ids by SIP name
   bool saving = true;                           // the user wants a history
 
   // What the phone does, as the controller's operations of these names.
@@ -103,6 +173,7 @@ class PlainModel {
     PlainCall stored{call, true};
     stored.remote_display_name = NameOf(call.remote_sip_name, call.remote_display_name);
     stored.forward_display_name = NameOf(call.forward_sip_name, call.forward_display_name);
+    stored.keys = KeysOf(stored.remote_display_name);
 
     const std::vector<std::size_t> sameType = Positions(call.type);
     if (sameType.size() == 100) Erase(sameType.back());
@@ -127,6 +198,49 @@ class PlainModel {
         call.forward_display_name = shown(call.forward_sip_name);
       }
     }
+  }
+
+  void UpdateNames(const std::list<SuperSearchItemData>& names) {
+    for (PlainCall& call : calls_) {
+      for (const SuperSearchItemData& entry : names) {
+        const bool caller = call.remote_sip_name == entry.number;
+        const bool target = call.forward_sip_name == entry.number;
+        if (caller) call.remote_display_name = entry.display_name;
+        if (target) call.forward_display_name = entry.display_name;
+        if (caller || target) Change();
+      }
+    }
+  }
+
+  void ForgetNames() {
+    for (PlainCall& call : calls_) {
+      call.remote_display_name = call.remote_sip_name;
+      if (call.type == 4) call.forward_display_name = call.forward_sip_name;
+      Change();
+    }
+  }
+
+  // The hits stay as they were found until the history changes or another key comes.
+  std::optional<PlainPage> Search(const std::string& typed, int first, int count) {
+    const std::string key = Folded(typed);
+    if (key.empty()) held_.reset();
+    if (key.empty()) return std::nullopt;
+    const bool number = (key[0] >= '0' && key[0] <= '9') || key[0] == '*' || key[0] == '#';
+    const auto differs = [&](const PlainCall& call) {
+      if (!number) return !Begins(call.remote_display_name, key);
+      return !Begins(call.remote_sip_name, key) && !Begins(call.keys, key);
+    };
+    if (!held_ || key.compare(0, held_->first.size(), held_->first) != 0) {
+      held_ = {key, {}};
+      for (const PlainCall& call : calls_) {
+        if (!differs(call)) AddHit(call);
+      }
+    } else if (key != held_->first && PageOf({}, first, count)) {
+      PlainCalls& hits = held_->second;
+      hits.erase(std::remove_if(hits.begin(), hits.end(), differs), hits.end());
+      held_->first = key;
+    }
+    return PageOf(held_->second, first, count);
   }
 
   // How many calls there were in these rows.
@@ -177,6 +291,7 @@ class PlainModel {
   void PowerCycle() {
     calls_ = saved_;
     saveAt_.reset();
+    held_.reset();
   }
 
   // What can be seen from outside.
@@ -231,6 +346,29 @@ class PlainModel {
     return rows;
   }
 
+  // The numbers dialled; the list of the first ten is never cut short.
+  std::optional<PlainPage> MostDialled(bool firstTen, int first, int count) const {
+    std::map<std::string, int> times;
+    PlainCalls numbers;
+    for (const PlainCall* call : View(1)) {
+      if (++times[call->remote_sip_name] == 1) numbers.push_back(*call);
+    }
+    std::stable_sort(numbers.begin(), numbers.end(), [&](const auto& a, const auto& b) {
+      return times[a.remote_sip_name] > times[b.remote_sip_name];
+    });
+    if (firstTen) numbers.resize(std::min<std::size_t>(numbers.size(), 10));
+    return PageOf(numbers, first, firstTen && count > 0 ? 10 : count);
+  }
+
+  // The account that the next redial goes through.
+  int RedialAccount() const {
+    for (const PlainCall* call : View(1)) {
+      const auto account = usable.find(call->local_sip_name);
+      if (account != usable.end()) return account->second;
+    }
+    return -1;
+  }
+
   std::string LastNumber(bool outgoing) const {
     for (const PlainCall& call : calls_) {
       if ((call.type == 1) == outgoing) return call.remote_sip_name;
@@ -257,7 +395,25 @@ class PlainModel {
     calls_.erase(calls_.begin() + static_cast<PlainCalls::difference_type>(position));
   }
 
+  // In front of the first hit that is greater by name, then number; nowhere when one is equal. A
+  // hit without a name is compared by its number alone.
+  void AddHit(const PlainCall& call) {
+    PlainCalls& hits = held_->second;
+    for (auto hit = hits.begin(); hit != hits.end(); ++hit) {
+      const bool sameName =
+          hit->remote_display_name.empty() || hit->remote_display_name == call.remote_display_name;
+      if (sameName && hit->remote_sip_name == call.remote_sip_name) return;
+      if (sameName ? hit->remote_sip_name > call.remote_sip_name
+                   : hit->remote_display_name > call.remote_display_name) {
+        hits.insert(hit, call);
+        return;
+      }
+    }
+    hits.push_back(call);
+  }
+
   void Change() {
+    held_.reset();
     if (!saveAt_) saveAt_ = now_ + Milliseconds(5000);
   }
 
@@ -269,6 +425,7 @@ class PlainModel {
           &PlainCall::remote_sip_server, &PlainCall::remote_display_name}) {
       call.*text = KeptText(call.*text);
     }
+    call.keys = KeysOf(call.remote_display_name);
     return call;
   }
 
@@ -276,7 +433,8 @@ class PlainModel {
   PlainCalls saved_;  // what the file holds
   std::string file_;  // and its bytes; empty: no file yet
   Milliseconds now_{0};
-  std::optional<Milliseconds> saveAt_;  // set: changes wait for this moment
+  std::optional<Milliseconds> saveAt_;                      // set: changes wait for this moment
+  std::optional<std::pair<std::string, PlainCalls>> held_;  // the last key and its hits
 };
 
 }  // namespace desk

@@ -1,7 +1,5 @@
-// Tests of the stored history: which calls enter it, under which names, in which order and up to
-// how many, and how they are renamed. Removals stand with what is shown of them, in NotifyTest.
-#include <climits>
-
+// Tests of the stored history: which calls enter it, under which names and up to how many. Removals
+// stand with what is shown of them, in NotifyTest, new names in NameRefreshTest.
 #include "PhoneTest.h"
 
 namespace desk {
@@ -76,15 +74,6 @@ TEST_F(StoreTest, AContactsNameGoesBeforeTheCallsNameAndThatBeforeTheNumber) {
   }
 }
 
-TEST_F(StoreTest, NewestComesFirstAndOfEqualTimesTheOneStoredFirst) {
-  int number = 0;
-  for (const int time : {20, INT_MIN, 20, 30, -1, INT_MAX, 20}) {
-    Add(1 + number % 4, std::to_string(number), time);
-    ++number;
-  }
-  EXPECT_EQ(Names(0), (Texts{"5", "3", "0", "2", "6", "4", "1"}));
-}
-
 TEST_F(StoreTest, EachTypeKeepsIts100NewestCalls) {
   const auto ends = [](int type) {
     const Texts names = Names(type);
@@ -102,61 +91,6 @@ TEST_F(StoreTest, EachTypeKeepsIts100NewestCalls) {
   Add(3, "oldest", 1);
   EXPECT_EQ(ends(3), "100: 99 to oldest");
   EXPECT_EQ(ends(0), "400: new to oldest");
-}
-
-TEST_F(StoreTest, AnExpelledCallIsNewNoLonger) {
-  for (const int type : {2, 4}) {
-    const auto countAfter = [&](const char* name, int time) {
-      EXPECT_EQ(Add(type, name, time), 0);
-      return std::stoi(desktop->display.statuses[type == 2 ? 12 : 15]);
-    };
-    for (int i = 1; i <= 100; ++i) EXPECT_EQ(countAfter("new", kNow), i);
-    EXPECT_EQ(countAfter("newer", kNow + 1), 100);
-    Names(type);
-    EXPECT_EQ(countAfter("old", 1), 1);           // expels a seen call
-    EXPECT_EQ(countAfter("newer", kNow + 2), 1);  // expels the old one
-    EXPECT_EQ(countAfter("newer", kNow + 3), 2);
-  }
-}
-
-TEST_F(StoreTest, AContactsNewNameReachesItsCalls) {
-  struct Row {
-    Texts contact;  // three numbers and the name
-    Texts names;
-    const char* target;
-    bool changed;
-  };
-  const Texts before = {"Desk", "Hidden", "100", "100"};
-  const Texts renamed = {"Desk", "Hidden", "New", "New"};
-  const Row rows[] = {
-      {{"100", "", "", "New"}, renamed, "Goal", true},
-      {{"", "100", "", "New"}, renamed, "Goal", true},
-      {{"200", "", "", ""}, {"200", "Hidden", "100", "100"}, "Goal", true},
-      {{"", "", "200", "Desk"}, before, "Goal", true},  // the name it had
-      {{"300", "", "", "New"}, before, "New", false},
-      {{"", "300", "", ""}, before, "300", false},
-      {{"100", "200", "300", "New"}, {"New", "Hidden", "New", "New"}, "New", true},
-      {{"10", "0100", "", "New"}, before, "Goal", false},  // an empty number is nobody's
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::PrintToString(row.contact));
-    AddForwarded("200", "Desk", "300", "Goal");
-    AddForwarded("", "Hidden", "", "Nowhere");
-    for (const int type : {2, 3}) Add(type, "100");
-    Controller().SaveToFile();
-    TakeJournal({""});
-    CallLogUpdateData contact;
-    contact.number_1 = row.contact[0];
-    contact.number_2 = row.contact[1];
-    contact.number_3 = row.contact[2];
-    contact.display_name = row.contact[3];
-    EXPECT_EQ(CallLog_UpdateLog(contact), 1);
-    EXPECT_EQ(TakeJournal({""}), row.changed ? Texts{"timer 90010 set 5000"} : Texts{});
-    EXPECT_EQ(ForwardTarget(), row.target);
-    EXPECT_EQ(Detail(0, 0).display_name, row.names[0]);
-    EXPECT_EQ(Names(0), row.names);
-    RemoveEverything();
-  }
 }
 
 }  // namespace
