@@ -2,6 +2,8 @@
 
 #include <tinyxml.h>
 
+#include <new>
+
 #include "BSCallLogController.h"
 #include "BSConfigDocument.h"
 #include "CommonAPI.h"
@@ -25,12 +27,14 @@ constexpr std::size_t kUsualSources = 3;
 constexpr int kNetworkFileRequest = 2;
 constexpr int kNetworkAvailable = 2;
 constexpr unsigned int kDownloadedMessage = 0x913;  // MSG_BS_CALLLOG_DOWNLOADED
+constexpr char kEntry[] = "callLogsEntry";
 
 std::string TemporaryPath() { return std::string(kTemporaryDirectory) + kDownloadFileName; }
 
 // Text of the first child element `name`; empty when there is none.
 std::string ChildText(TiXmlElement* element, const char* name) {
-  return TinyXml_GetElemText(element->FirstChildElement(name), "");
+  TiXmlElement* const child = element->FirstChildElement(name);
+  return child != nullptr ? TinyXml_GetElemText(child, "") : std::string();
 }
 
 }  // namespace
@@ -62,12 +66,16 @@ bool CBSCallLogModel::MyLoadDataFromXmlConfig(const std::string& fileName) {
   if (!LoadXmlFile(&document, path)) return false;
   TiXmlElement* const root = document.FirstChildElement(kSourcesRoot);
   if (root == nullptr) return false;
-  m_strDisplayName = TinyXml_GetStringAttr(root, kDisplayNameAttribute, "");
-  for (TiXmlElement* element = root->FirstChildElement(kSourceItem); element != nullptr;
-       element = element->NextSiblingElement(kSourceItem)) {
-    auto item = std::make_unique<BroadSoftConfigItem>();
-    ReadSource(element, item.get());
-    m_vecConfigItem.push_back(std::move(item));
+  try {
+    m_strDisplayName = TinyXml_GetStringAttr(root, kDisplayNameAttribute, "");
+    for (TiXmlElement* element = root->FirstChildElement(kSourceItem); element != nullptr;
+         element = element->NextSiblingElement(kSourceItem)) {
+      auto item = std::make_unique<BroadSoftConfigItem>();
+      ReadSource(element, item.get());
+      m_vecConfigItem.push_back(std::move(item));
+    }
+  } catch (const std::bad_alloc&) {
+    return false;
   }
   return true;
 }
@@ -243,18 +251,27 @@ bool CBSCallLogModel::MyLoadDataFromFile(ListItemData* list, const std::string& 
   list->Reset();
   TiXmlElement* const root = document.RootElement();
   if (root == nullptr) return false;
-  for (TiXmlElement* entry = root->FirstChildElement("callLogsEntry"); entry != nullptr;
-       entry = entry->NextSiblingElement("callLogsEntry")) {
-    auto record = std::make_unique<CallLogDetailData>();
-    record->display_name = ChildText(entry, "name");
-    record->number = ChildText(entry, "phoneNumber");
-    if (entry->FirstChildElement("time") != nullptr) {
-      record->time_text = CallLogTime2DisplayTime(ChildText(entry, "time").c_str(), 1);
+  try {
+    for (TiXmlElement* entry = root->FirstChildElement(kEntry); entry != nullptr;
+         entry = entry->NextSiblingElement(kEntry)) {
+      list->records.push_back(MyReadEntry(entry));
     }
-    record->country_code = ChildText(entry, "countryCode");
-    list->records.push_back(std::move(record));
+  } catch (const std::bad_alloc&) {
+    list->Reset();
+    return false;
   }
   return true;
+}
+
+std::unique_ptr<CallLogDetailData> CBSCallLogModel::MyReadEntry(TiXmlElement* entry) {
+  auto record = std::make_unique<CallLogDetailData>();
+  record->display_name = ChildText(entry, "name");
+  record->number = ChildText(entry, "phoneNumber");
+  if (entry->FirstChildElement("time") != nullptr) {
+    record->time_text = CallLogTime2DisplayTime(ChildText(entry, "time").c_str(), 1);
+  }
+  record->country_code = ChildText(entry, "countryCode");
+  return record;
 }
 
 std::string CBSCallLogModel::CallLogTime2DisplayTime(const char* text, int withYear) {

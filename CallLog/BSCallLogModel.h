@@ -11,6 +11,8 @@
 #include "CallLogRecords.h"
 #include "TaskAction.h"
 
+class TiXmlElement;
+
 namespace NS_CALLLOG {
 
 class CBSCallLogModel : public NS_TA::CTaskActionCallbackBase {
@@ -75,6 +77,7 @@ class CBSCallLogModel : public NS_TA::CTaskActionCallbackBase {
   int MyMakeReadyForDownload(const std::string& url);
   int MyExecDownload(const std::string& url, bool sync);
   bool MyLoadDataFromFile(ListItemData* list, const std::string& path);
+  std::unique_ptr<CallLogDetailData> MyReadEntry(TiXmlElement* entry);
   std::string CallLogTime2DisplayTime(const char* text, int withYear);
 
   bool MyCopyList(CallLogSimpleListData* list, const ListItemData* item);

@@ -84,7 +84,8 @@ class CCallLogController {
   CALLLOG_EXPORT void UpdateDispName(const std::list<SuperSearchItemData>& names);
 
   // Writes the history file now if anything changed since the last save. 1 when it was written,
-  // also when the disk refused it (nothing reports that); 0 when there was nothing to write.
+  // also when the disk refused it (nothing reports that); 0 when there was nothing to write, or no
+  // memory to write it with: the file stays as it was, and the save is tried again 5 seconds later.
   CALLLOG_EXPORT int SaveToFile();
 
   // As CallLog_Search, CallLog_SearchRecentOutCall and CallLog_SuperSearchRecentOutCall.
