@@ -1,3 +1,5 @@
+// The singleton of the server call logs: it creates and forwards; what is done is the model's.
+// Without a model every operation gives its failure value.
 #include "BSCallLogController.h"
 
 #include "BSCallLogModel.h"

@@ -1,3 +1,6 @@
+// The server call logs in three parts: the sources, the download, the views. What the sources' file
+// looks like is BSConfigDocument's, how a time stamp is read ServerTime's, how a file is read
+// XmlReader's.
 #include "BSCallLogModel.h"
 
 #include <tinyxml.h>

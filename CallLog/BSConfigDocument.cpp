@@ -1,3 +1,5 @@
+// Attributes of the sources' file, in the order in which they are written. Loading and saving the
+// file is the model's.
 #include "BSConfigDocument.h"
 
 #include <tinyxml.h>

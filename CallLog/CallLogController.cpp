@@ -1,3 +1,5 @@
+// The singleton of the local history: it turns click actions into call types and forwards; what is
+// done is the model's. Without a model every operation gives its failure value.
 #include "CallLogController.h"
 
 #include "CallLogModel.h"

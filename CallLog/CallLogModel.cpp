@@ -1,3 +1,6 @@
+// The local history in sections: store, file, notifications, views, names, search. What the file
+// looks like is HistoryDocument's, how the count of new calls is shown NewCallStatus's, how hits
+// are found CallLogSearchHelper's.
 #include "CallLogModel.h"
 
 #include <tinyxml.h>

@@ -1,3 +1,5 @@
+// The incremental search, which narrows what it found for the key before, and the tally of dialled
+// numbers, which is made anew each time. How texts are compared is the platform's.
 #include "CallLogSearchHelper.h"
 
 #include <algorithm>

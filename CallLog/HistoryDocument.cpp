@@ -1,3 +1,5 @@
+// Attributes of the history file, in the order in which they are written. Opening the file, and
+// where a record belongs, is the model's.
 #include "HistoryDocument.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Texts, status ids and events of new calls. Who counts them is the model.
 #include "NewCallStatus.h"
 
 #include "Backlight.h"

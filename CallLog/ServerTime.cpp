@@ -1,3 +1,4 @@
+// Time stamps by hand: scanf has no answer to a number beyond int.
 #include "ServerTime.h"
 
 #include <cctype>

@@ -1,3 +1,4 @@
+// UTF-8 by the table of its well-formed sequences, and the characters that XML 1.0 allows.
 #include "XmlChars.h"
 
 #include <cstdint>

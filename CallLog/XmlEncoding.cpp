@@ -1,3 +1,4 @@
+// Single-byte documents become UTF-8 before anything else looks at them.
 #include "XmlEncoding.h"
 
 #include <strings.h>

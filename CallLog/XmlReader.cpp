@@ -1,3 +1,4 @@
+// A file is read once, copied into plain XML in one pass, and only that copy is handed to TinyXML.
 #include "XmlReader.h"
 
 #include <fcntl.h>

@@ -9,14 +9,13 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <limits>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "CallRecords.h"
-#include "ProgressBar.h"
 
 namespace {
 
@@ -30,18 +29,6 @@ void SetZone(const char* zone) {
 class CallRecords : public testing::Test {
  protected:
   CallRecords() { SetZone("UTC0"); }
-  ~CallRecords() override {
-    if (hadZone_) {
-      SetZone(zone_.c_str());
-    } else {
-      unsetenv("TZ");
-      tzset();
-    }
-  }
-
- private:
-  const bool hadZone_ = std::getenv("TZ") != nullptr;
-  const std::string zone_ = hadZone_ ? std::getenv("TZ") : "";
 };
 
 desk::CdrImport Read(const std::string& text, const std::string& extension = "100") {
@@ -78,10 +65,10 @@ struct Row {
   std::string channel = "PJSIP/200-00000001";
   std::string dstchannel = "PJSIP/100-00000002";
   std::string disposition = "NO ANSWER";
-  std::string start = "2026-05-04 00:00:10";
   std::string billsec = "0";
-  std::string more = "";  // columns behind the layout's own, with their commas
+  std::string start = "2026-05-04 00:00:10";
   std::string src = "200";
+  std::string more = "";  // columns behind the layout's own, with their commas
   std::string dst = "300";
   std::string clid = R"("""Bo"" <200>")";
   std::string lastapp = "Dial";
@@ -102,21 +89,6 @@ struct Row {
            more + "\n";
   }
 };
-
-Row Leg(const std::string& channel, const std::string& dstchannel, const std::string& disposition,
-        const std::string& billsec = "0") {
-  Row row;
-  row.channel = channel;
-  row.dstchannel = dstchannel;
-  row.disposition = disposition;
-  row.billsec = billsec;
-  return row;
-}
-
-Row At(int second, Row row) {
-  row.start = "2026-05-04 00:00:" + std::to_string(second);
-  return row;
-}
 
 Row With(std::string Row::*column, const std::string& value, Row row = Row()) {
   row.*column = value;
@@ -139,10 +111,8 @@ TEST_F(CallRecords, TellWhatThePhoneSawFromChannelsAndDisposition) {
       {"100", "SIP/100-01", "", "congestion", "Dial", "1 10 300 '' 0"},
       {"100", "SIP/100-01", "PJSIP/200-02", "ANSWERED", "VoiceMail", "1 10 300 '' 7"},
       {"100", "PJSIP/200-01", "PJSIP/100-02", "ANSWERED", "Dial", "3 10 200 'Bo' 7"},
-      {"100", "PJSIP/200-01", "PJSIP/100-02", "answered", "Queue", "3 10 200 'Bo' 7"},
       {"100", "PJSIP/200-01", "PJSIP/100-02", "NO ANSWER", "Dial", "2 10 200 'Bo' 0"},
       {"100", "PJSIP/200-01", "PJSIP/100-02", "NOANSWER", "Dial", "2 10 200 'Bo' 0"},
-      {"100", "PJSIP/200-01", "PJSIP/100-02", "Busy", "Dial", "2 10 200 'Bo' 0"},
       {"100", "PJSIP/200-01", "PJSIP/100-02", "FAILED", "Dial", "2 10 200 'Bo' 0"},
       {"100", "PJSIP/200-01", "PJSIP/100-02", "ANSWERED", "VoiceMail", "2 10 200 'Bo' 0"},
       {"100", "PJSIP/100-01", "PJSIP/100-02", "ANSWERED", "Dial", "1 10 300 '' 7"},
@@ -156,7 +126,7 @@ TEST_F(CallRecords, TellWhatThePhoneSawFromChannelsAndDisposition) {
       {"", "PJSIP/-01", "", "ANSWERED", "Dial", ""},
   };
   for (const auto& row : rows) {
-    Row leg = Leg(row.channel, row.dstchannel, row.disposition, "7");
+    Row leg = {row.channel, row.dstchannel, row.disposition, "7"};
     leg.lastapp = row.lastapp;
     leg.answer = "2026-05-04 00:00:12";  // filled by some writers for unanswered calls, too
     const Lines expected = *row.call != '\0' ? Lines{row.call} : Lines{};
@@ -169,7 +139,7 @@ TEST_F(CallRecords, TellWhatThePhoneSawFromChannelsAndDisposition) {
   }
 }
 
-TEST_F(CallRecords, NameTheCaller) {
+TEST_F(CallRecords, NameTheCallerAndTheAccount) {
   const struct {
     const char* src;
     const char* clid;
@@ -180,7 +150,6 @@ TEST_F(CallRecords, NameTheCaller) {
       {"200", R"(""Bo, jr" <200>")", "200 'Bo, jr'"},  // the quotes of a name not doubled
       {"200", R"("Bo <200>")", "200 'Bo'"},
       {"200", R"(""""" <200>")", "200 ''"},
-      {"200", R"("<200>")", "200 ''"},
       {"200", R"("""200"" <200>")", "200 ''"},
       {"200", R"("""Bo"" <200")", "200 'Bo'"},
       {"200", "200", "200 ''"},
@@ -196,14 +165,9 @@ TEST_F(CallRecords, NameTheCaller) {
     const std::string call = std::string("2 10 ") + row.caller + " 0";
     EXPECT_EQ(Calls(Read(text + text)), (Lines{call, call})) << text;
   }
-}
-
-TEST_F(CallRecords, CarryAccountAndServers) {
   const CallLogAddItemData call = Read(Row().Master()).calls.at(0);
-  EXPECT_EQ(call.local_sip_name, "100");
-  EXPECT_EQ(call.local_sip_server, "pbx.example");
-  EXPECT_EQ(call.remote_sip_server, "pbx.example");
-  EXPECT_EQ(call.forward_sip_name, "");
+  EXPECT_EQ(call.local_sip_name + "@" + call.local_sip_server, "100@pbx.example");
+  EXPECT_EQ(call.remote_sip_server + call.forward_sip_name, "pbx.example");
 }
 
 TEST_F(CallRecords, MakeOneCallOfItsLegs) {
@@ -211,65 +175,53 @@ TEST_F(CallRecords, MakeOneCallOfItsLegs) {
   const std::string b = ",1777852810.2,\"\"";
   const std::string bLinkedToA = b + ",,1777852810.1,77";
   const std::string x = "PJSIP/200-00000001";
-  const Row missed = Leg(x, kE, "NO ANSWER");
-  const Row taken = Leg(x, "PJSIP/101-00000003", "ANSWERED", "30");
+  const Row missed = {x, kE, "NO ANSWER"};
+  const Row taken = {x, "PJSIP/101-00000003", "ANSWERED", "30"};
+  const Row local = {x, "Local/9@q-1;1", "NO ANSWER"};
+  const Row menu = {x, "", "ANSWERED", "9"};
+  const Row again = {x, kE, "BUSY", "0", "2026-05-04 00:00:30"};
+  const Row transfer = {"PJSIP/100-ff", "PJSIP/101-3", "ANSWERED", "8", "2026-05-04 00:00:20"};
   const auto in = [](const std::string& ids, const Row& row) {
     return With(&Row::more, ids, row).Master();
   };
-  const Row mailbox = With(&Row::lastapp, "VoiceMail", Leg(x, "", "ANSWERED", "9"));
-  const Row mailboxOf101 = With(&Row::lastapp, "VoiceMail", taken);
+  const auto both = [&](const std::string& ids) { return in(ids, missed) + in(ids, taken); };
+  const auto answered = [&](const char* seconds, const char* start) {
+    return in(a, {x, kE, "ANSWERED", seconds, std::string("2026-05-04 00:00:") + start});
+  };
+  const auto byMailbox = [](const Row& row) { return With(&Row::lastapp, "VoiceMail", row); };
+  const Lines one = {"2 10 200 'Bo' 0"};
   const struct {
     const char* what;
     std::string text;
     Lines calls;
   } rows[] = {
-      {"answered elsewhere", in(a, missed) + in(a, taken), {}},
+      {"answered elsewhere", both(a), {}},
       {"answered elsewhere, told first", in(a, taken) + in(a, missed), {}},
-      {"another call answered", in(b, taken) + in(a, missed), {"2 10 200 'Bo' 0"}},
       {"answered elsewhere, by linkedid", in(bLinkedToA, missed) + in(a, taken), {}},
-      {"linked by a third leg",
-       in(b, missed) + in(a, taken) + in(bLinkedToA, Leg(x, "Local/9@q-1;1", "NO ANSWER")),
-       {}},
-      {"linked by a third leg, told first",
-       in(b, taken) + in(bLinkedToA, Leg(x, "Local/9@q-1;1", "NO ANSWER")) + in(a, missed),
-       {}},
-      {"lone column with an id", in(",1777852810.1", missed) + in(",1777852810.1", taken), {}},
-      {"lone column with an id of a named system",
-       in(",pbx-1777852810.1", missed) + in(",pbx-1777852810.1", taken),
-       {}},
-      {"lone column with a userfield", in(",ad", missed) + in(",ad", taken), {"2 10 200 'Bo' 0"}},
-      {"no ids", in("", missed) + in("", taken), {"2 10 200 'Bo' 0"}},
-      {"userfield like a sum",
-       in(",1777852810.2,12.50", missed) + in(",1777852810.1,12.50", taken),
-       {"2 10 200 'Bo' 0"}},
-      {"voicemail is no phone", in(a, missed) + in(a, mailbox), {"2 10 200 'Bo' 0"}},
-      {"nor is that of another", in(a, missed) + in(a, mailboxOf101), {"2 10 200 'Bo' 0"}},
-      {"nor is a menu", in(a, missed) + in(a, Leg(x, "", "ANSWERED", "9")), {"2 10 200 'Bo' 0"}},
-      {"rung twice by a queue",
-       in(a, missed) + in(a, At(30, Leg(x, "PJSIP/100-000000ff", "BUSY"))),
-       {"2 10 200 'Bo' 0"}},
-      {"rung twice, answered then",
-       in(a, missed) + in(a, At(30, Leg(x, kE, "ANSWERED", "4"))),
-       {"3 30 200 'Bo' 4"}},
-      {"two legs one after the other",
-       in(a, At(30, Leg(x, kE, "ANSWERED", "3"))) + in(a, Leg(x, kE, "ANSWERED", "4")),
-       {"3 10 200 'Bo' 7"}},
-      {"two legs at a time",
-       in(a, Leg(x, kE, "ANSWERED", "3")) + in(a, At(12, Leg(x, kE, "ANSWERED", "4"))),
-       {"3 10 200 'Bo' 4"}},
+      {"linked by a third leg", in(b, missed) + in(a, taken) + in(bLinkedToA, local), {}},
+      {"so, told first", in(b, taken) + in(bLinkedToA, local) + in(a, missed), {}},
+      {"another call answered", in(b, taken) + in(a, missed), one},
+      {"lone column with an id", both(",1777852810.1"), {}},
+      {"lone column with an id of a named system", both(",pbx-1777852810.1"), {}},
+      {"lone column with a userfield", both(",ad"), one},
+      {"no ids", both(""), one},
+      {"userfield like a sum", in(",1777852810.2,12.50", missed) + in(",1777852810.1,12.50", taken),
+       one},
+      {"voicemail is no phone", in(a, missed) + in(a, byMailbox(menu)), one},
+      {"nor is that of another", in(a, missed) + in(a, byMailbox(taken)), one},
+      {"nor is a menu", in(a, missed) + in(a, menu), one},
+      {"rung twice by a queue", in(a, missed) + in(a, again), one},
+      {"rung twice, answered then", in(a, missed) + answered("4", "30"), {"3 30 200 'Bo' 4"}},
+      {"one after the other", answered("3", "30") + answered("4", "10"), {"3 10 200 'Bo' 7"}},
+      {"two legs at a time", answered("3", "10") + answered("4", "12"), {"3 10 200 'Bo' 4"}},
       {"placed to a group",
-       in(a, Leg(kE, "PJSIP/101-3", "NO ANSWER")) + in(a, Leg(kE, "PJSIP/102-4", "ANSWERED", "8")),
+       in(a, {kE, "PJSIP/101-3", "NO ANSWER"}) + in(a, {kE, "PJSIP/102-4", "ANSWERED", "8"}),
        {"1 10 300 '' 8"}},
       {"received, and a second call placed for a transfer",
-       in(a, Leg(x, kE, "ANSWERED", "3")) +
-           in(bLinkedToA, At(20, Leg("PJSIP/100-ff", "PJSIP/101-3", "ANSWERED", "8"))),
+       answered("3", "10") + in(bLinkedToA, transfer),
        {"3 10 200 'Bo' 3", "1 20 300 '' 8"}},
-      {"received, and a second call placed in vain",
-       in(a, Leg(x, kE, "ANSWERED", "3")) +
-           in(bLinkedToA, At(20, Leg("PJSIP/100-ff", "PJSIP/101-3", "BUSY"))),
-       {"3 10 200 'Bo' 3", "1 20 300 '' 0"}},
       {"the longest call there is",
-       in(a, Leg(x, kE, "ANSWERED", "2147483647")) + in(a, At(30, Leg(x, kE, "ANSWERED", "9"))),
+       answered("2147483647", "10") + answered("9", "30"),
        {"3 10 200 'Bo' 2147483647"}},
   };
   for (const auto& row : rows) {
@@ -281,16 +233,15 @@ TEST_F(CallRecords, MakeOneCallOfItsLegs) {
 
 TEST_F(CallRecords, ComeOldestFirstAndOtherwiseInTheOrderOfTheFile) {
   std::string text;
-  Lines early;
-  Lines late;
-  for (int i = 0; i < 40; ++i) {
-    const std::string src = std::to_string(i);
-    const int second = i % 3 == 0 ? 20 : 30;
-    text += With(&Row::src, src, At(second, Row())).Custom();
-    (second == 20 ? early : late).push_back("2 " + std::to_string(second) + " " + src + " 'Bo' 0");
+  Lines calls(40);
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    Row row;
+    row.src = std::to_string(i);
+    row.start.back() = i < 20 ? '7' : '5';
+    text += row.Custom();
+    calls[(i + 20) % 40] = (i < 20 ? "2 17 " : "2 15 ") + row.src + " 'Bo' 0";
   }
-  early.insert(early.end(), late.begin(), late.end());
-  EXPECT_EQ(Calls(Read(text)), early);
+  EXPECT_EQ(Calls(Read(text)), calls);
 }
 
 TEST_F(CallRecords, NameBadRowsAndGoOn) {
@@ -359,19 +310,10 @@ TEST_F(CallRecords, NameBadRowsAndGoOn) {
 }
 
 TEST_F(CallRecords, PassOverMarkAndHeaders) {
-  const std::string more = ",uniqueid,userfield\n";
-  const std::string master =
-      "accountcode,src,dst,dcontext,clid,channel,dstchannel,lastapp,lastdata,start,answer,end,"
-      "duration,billsec,disposition,amaflags" +
-      more;
-  const std::string custom =
-      "\"CLID\",\"src\",\"dst\",\"dcontext\",\"channel\",\"dstchannel\",\"lastapp\",\"lastdata\","
-      "\"Start\",\"answer\",\"end\",\"duration\",\"billsec\",\"disposition\",\"amaflags\","
-      "\"accountcode\"" +
-      more;
+  const Row header = {"channel", "dstchannel", "disposition", "billsec", "\"Start\"", "src"};
   const std::string last = Row().Master();
-  const desk::CdrImport import =
-      Read("\xEF\xBB\xBF" + master + Row().Custom() + custom + last.substr(0, last.size() - 1));
+  const desk::CdrImport import = Read("\xEF\xBB\xBF" + header.Master() + Row().Custom() +
+                                      header.Custom() + last.substr(0, last.size() - 1));
   EXPECT_EQ(import.rows, 2u);
   EXPECT_EQ(import.calls.size(), 2u);
   EXPECT_EQ(Bad(import), Lines{});
@@ -382,11 +324,9 @@ TEST_F(CallRecords, PassOverMarkAndHeaders) {
 TEST_F(CallRecords, ReadTimesAsLocal) {
   SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
   const std::pair<const char*, int> times[] = {
-      {"2026-01-15 12:00:00", 1768474800},
-      {"2026-07-15 12:00:00", 1784109600},
-      {"2028-02-29 00:00:00", 1835391600},
-      {"1970-01-01 00:59:59", -1},
-      {"2038-01-19 04:14:07", std::numeric_limits<int>::max()},
+      {"2026-01-15 12:00:00", 1768474800}, {"2026-07-15 12:00:00", 1784109600},
+      {"2028-02-29 00:00:00", 1835391600}, {"1970-01-01 00:59:59", -1},
+      {"2038-01-19 04:14:07", 2147483647},
   };
   for (const auto& [text, tick] : times) {
     const desk::CdrImport import = Read(With(&Row::start, text).Master());
@@ -399,39 +339,14 @@ TEST_F(CallRecords, ReadTimesAsLocal) {
 
 TEST_F(CallRecords, ReportTheBytesReadAndLoseNothingBetweenChunks) {
   std::string text;
-  while (text.size() < 300000) text += Row().Master() + Row().Custom();
+  for (int i = 0; i < 1000; ++i) text += Row().Master() + Row().Custom();
   std::istringstream in(text);
   std::vector<std::uint64_t> done;
-  const desk::CdrImport import = desk::ReadCallRecords(
-      in, {"100", "", [&done](std::uint64_t bytes) { done.push_back(bytes); }});
-  EXPECT_EQ(import.calls.size(), import.rows);
-  EXPECT_EQ(import.rows * (Row().Master() + Row().Custom()).size(), text.size() * 2);
+  const auto report = [&done](std::uint64_t bytes) { done.push_back(bytes); };
+  EXPECT_EQ(desk::ReadCallRecords(in, {"100", "", report}).calls.size(), 2000u);
   ASSERT_GT(done.size(), 2u);
   EXPECT_LT(done.front(), text.size() / 2);
   EXPECT_EQ(done.back(), text.size());
-}
-
-TEST(ProgressBar, DrawsOncePerPercentAtATerminalOnly) {
-  constexpr std::uint64_t kLong = 100 * 1024 * 1024;
-  const auto draw = [](bool atTerminal, std::uint64_t total) {
-    std::ostringstream out;
-    {
-      desk::ProgressBar bar(out, atTerminal, total);
-      for (std::uint64_t step = 0; step <= 1000; ++step) bar.Update(total / 1000 * step);
-      bar.Update(total);
-      bar.Update(total * 2);  // a file that grew meanwhile
-    }
-    return out.str();
-  };
-  EXPECT_EQ(draw(false, kLong), "");
-  EXPECT_EQ(draw(true, 1000), "");
-  EXPECT_EQ(draw(true, 0), "");
-  const std::string drawn = draw(true, kLong);
-  EXPECT_EQ(std::count(drawn.begin(), drawn.end(), '%'), 101);
-  EXPECT_NE(drawn.find("\r[" + std::string(25, '#') + std::string(25, ' ') + "]  50 %"),
-            std::string::npos);
-  const std::string end = "] 100 %\r\033[K";
-  EXPECT_EQ(drawn.substr(drawn.size() - end.size()), end);
 }
 
 TEST_F(CallRecords, OfTheSampleAreAsAPersonCountsThem) {

@@ -19,20 +19,17 @@
 
 namespace desk {
 
-// A character of a text, or a byte that belongs to none (`code` is negative then).
-struct Letter {
-  std::string bytes;
-  int code;
-};
+// A character of a text and its code, or a byte that belongs to none with a negative one.
+using Letter = std::pair<std::string, int>;
 
 inline std::vector<Letter> Letters(const std::string& text) {
   std::vector<Letter> letters;
-  for (std::size_t at = 0; at < text.size(); at += letters.back().bytes.size()) {
+  for (std::size_t at = 0; at < text.size(); at += letters.back().first.size()) {
     utf8proc_int32_t code = 0;
     const auto* rest = reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at);
     const utf8proc_ssize_t found =
         utf8proc_iterate(rest, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
-    letters.push_back({text.substr(at, found > 0 ? static_cast<std::size_t>(found) : 1), code});
+    letters.emplace_back(text.substr(at, found > 0 ? static_cast<std::size_t>(found) : 1), code);
   }
   return letters;
 }
@@ -73,13 +70,9 @@ inline std::string KeysOf(const std::string& name) {
 
 // Whether `text` begins with a folded key; half a letter is none.
 inline bool Begins(const std::string& text, const std::string& key) {
-  const std::string folded = Folded(text);
-  if (folded.compare(0, key.size(), key) != 0) return false;
-  std::size_t end = 0;
-  for (const Letter& letter : Letters(folded)) {
-    if (end < key.size()) end += letter.bytes.size();
-  }
-  return end == key.size();
+  const std::vector<Letter> letters = Letters(Folded(text));
+  const std::vector<Letter> typed = Letters(key);
+  return typed.size() <= letters.size() && std::equal(typed.begin(), typed.end(), letters.begin());
 }
 
 // A call as it is stored: `remote_display_name` and `forward_display_name` are the names shown.
@@ -98,24 +91,26 @@ struct PlainCall : CallLogAddItemData {
 
 using PlainCalls = std::vector<PlainCall>;
 
-// A page as "name, number" rows.
-struct PlainPage {
-  std::vector<std::string> rows;
-  int total = 0;
+template <class Matches>
+int EraseIf(PlainCalls* calls, Matches matches) {
+  const auto end = std::remove_if(calls->begin(), calls->end(), matches);
+  const auto erased = static_cast<int>(calls->end() - end);
+  calls->erase(end, calls->end());
+  return erased;
+}
 
-  bool operator==(const PlainPage& other) const {
-    return rows == other.rows && total == other.total;
-  }
-};
+// "name, number" rows, and how many the whole list has.
+using PlainPage = std::pair<std::vector<std::string>, int>;
 
 // The rows of a list on one page; nothing when the page is refused.
 inline std::optional<PlainPage> PageOf(const PlainCalls& calls, int first, int count) {
   if (first < 0 || count < 1) return std::nullopt;
   PlainPage page;
+  auto& [rows, total] = page;
   for (const PlainCall& call : calls) {
-    const bool wanted = page.total >= first && page.total - first < count;
-    if (wanted) page.rows.push_back(call.Name() + ", " + call.remote_sip_name);
-    ++page.total;
+    const bool wanted = total >= first && total - first < count;
+    if (wanted) rows.push_back(call.Name() + ", " + call.remote_sip_name);
+    ++total;
   }
   return page;
 }
@@ -175,8 +170,8 @@ class PlainModel {
     stored.forward_display_name = NameOf(call.forward_sip_name, call.forward_display_name);
     stored.keys = KeysOf(stored.remote_display_name);
 
-    const std::vector<std::size_t> sameType = Positions(call.type);
-    if (sameType.size() == 100) Erase(sameType.back());
+    const auto sameType = View(call.type);
+    if (sameType.size() == 100) calls_.erase(calls_.begin() + (sameType.back() - calls_.data()));
     const auto older = [](int time, const PlainCall& other) { return time > other.born_tick; };
     calls_.insert(std::upper_bound(calls_.begin(), calls_.end(), call.born_tick, older), stored);
     Change();
@@ -187,16 +182,13 @@ class PlainModel {
     std::set<std::string> numbers = {contact.number_1, contact.number_2, contact.number_3};
     numbers.erase("");
     for (PlainCall& call : calls_) {
-      const auto shown = [&](const std::string& number) {
-        return contact.display_name.empty() ? number : contact.display_name;
+      const auto rename = [&](const std::string& number, std::string* name) {
+        const bool found = numbers.count(number) > 0;
+        if (found) *name = contact.display_name.empty() ? number : contact.display_name;
+        return found;
       };
-      if (numbers.count(call.remote_sip_name) > 0) {
-        call.remote_display_name = shown(call.remote_sip_name);
-        Change();
-      }
-      if (call.type == 4 && numbers.count(call.forward_sip_name) > 0) {
-        call.forward_display_name = shown(call.forward_sip_name);
-      }
+      if (rename(call.remote_sip_name, &call.remote_display_name)) Change();
+      if (call.type == 4) rename(call.forward_sip_name, &call.forward_display_name);
     }
   }
 
@@ -236,8 +228,7 @@ class PlainModel {
         if (!differs(call)) AddHit(call);
       }
     } else if (key != held_->first && PageOf({}, first, count)) {
-      PlainCalls& hits = held_->second;
-      hits.erase(std::remove_if(hits.begin(), hits.end(), differs), hits.end());
+      EraseIf(&held_->second, differs);
       held_->first = key;
     }
     return PageOf(held_->second, first, count);
@@ -245,32 +236,24 @@ class PlainModel {
 
   // How many calls there were in these rows.
   int Remove(int view, const std::set<int>& rows) {
-    int removed = 0;
     int row = 0;
-    for (const std::size_t position : Positions(view)) {
-      if (rows.count(row++) == 0) continue;
-      Erase(position - static_cast<std::size_t>(removed++));
-      Change();
-    }
+    const auto chosen = [&](const auto& call) { return call.IsIn(view) && rows.count(row++) > 0; };
+    const int removed = EraseIf(&calls_, chosen);
+    if (removed > 0) Change();
     return removed;
   }
 
   void RemoveAll(int view) {
-    const auto isIn = [view](const PlainCall& call) { return call.IsIn(view); };
-    calls_.erase(std::remove_if(calls_.begin(), calls_.end(), isIn), calls_.end());
+    EraseIf(&calls_, [view](const PlainCall& call) { return call.IsIn(view); });
     Change();
   }
 
-  // The user opens a list.
-  void See(int view) {
+  // The user opens a list, or deals with a number in it.
+  void See(int view, const std::optional<std::string>& number = std::nullopt) {
     for (PlainCall& call : calls_) {
-      if (call.IsIn(view)) call.isNew = false;
-    }
-  }
-
-  void DealWith(int type, const std::string& number) {
-    for (PlainCall& call : calls_) {
-      if (call.type == type && call.remote_sip_name == number) call.isNew = false;
+      if (call.IsIn(view) && number.value_or(call.remote_sip_name) == call.remote_sip_name) {
+        call.isNew = false;
+      }
     }
   }
 
@@ -308,20 +291,14 @@ class PlainModel {
   }
 
   Display Shown() const {
+    const auto count = [this](int type) {
+      const auto isNew = [type](const PlainCall& call) { return call.isNew && call.type == type; };
+      return std::count_if(calls_.begin(), calls_.end(), isNew);
+    };
     Display display;
-    int missed = 0;
-    int forwarded = 0;
-    for (const PlainCall& call : calls_) {
-      if (call.isNew && call.type == 2) ++missed;
-      if (call.isNew && call.type == 4) ++forwarded;
-    }
-    if (missed > 0) {
-      display.statuses[12] = std::to_string(missed) + " Missed";
-      display.ledEvents.insert(9);
-      display.backlightEvents.insert(5);
-    }
-    if (forwarded > 0) {
-      display.statuses[15] = std::to_string(forwarded) + " Forwarded";
+    if (count(2) > 0) display = {{{12, std::to_string(count(2)) + " Missed"}}, {9}, {5}, {}};
+    if (count(4) > 0) {
+      display.statuses[15] = std::to_string(count(4)) + " Forwarded";
       display.ledEvents.insert(10);
     }
     return display;
@@ -381,18 +358,6 @@ class PlainModel {
     const auto contact = contacts.find(number);
     if (contact != contacts.end()) return contact->second;
     return given.empty() ? number : given;
-  }
-
-  std::vector<std::size_t> Positions(int view) const {
-    std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < calls_.size(); ++i) {
-      if (calls_[i].IsIn(view)) positions.push_back(i);
-    }
-    return positions;
-  }
-
-  void Erase(std::size_t position) {
-    calls_.erase(calls_.begin() + static_cast<PlainCalls::difference_type>(position));
   }
 
   // In front of the first hit that is greater by name, then number; nowhere when one is equal. A

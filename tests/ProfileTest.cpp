@@ -1,74 +1,50 @@
 // The desktop phone's profile file, and the accounts it sets up.
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <string>
-#include <vector>
-
-#include "Accounts.h"
 #include "Profile.h"
 
+#include <map>
+
+#include "Accounts.h"
+#include "PhoneTest.h"
+
+namespace desk {
 namespace {
 
-using desk::Account;
-using desk::LoadProfile;
-using desk::Profile;
-using desk::ProfileError;
+using Texts = std::vector<std::string>;
 
-using Numbers = std::vector<std::string>;
-
-class ProfileTest : public testing::Test {
+// The working directory holds the profile and its address book.
+class ProfileTest : public PhoneTest {
  protected:
-  ProfileTest() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "profile-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~ProfileTest() override { std::filesystem::remove_all(folder_); }
-
-  std::filesystem::path Write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name, std::ios::binary) << text;
-    return folder_ / name;
-  }
-
-  // What LoadProfile complains about, without the folder's name.
-  std::string ErrorOf(const std::filesystem::path& file) const {
+  static std::string ErrorOf(const std::string& file) {
     try {
       LoadProfile(file);
     } catch (const ProfileError& error) {
-      std::string message = error.what();
-      const std::string folder = folder_.string() + "/";
-      for (auto at = message.find(folder); at != message.npos; at = message.find(folder)) {
-        message.erase(at, folder.size());
-      }
-      return message;
+      return error.what();
     }
     return "accepted";
   }
 
-  std::filesystem::path folder_;
+  static std::vector<int> Settings(const Profile& profile) {
+    const TransferLimits& limits = profile.limits;
+    return {profile.network_up,  profile.has_menu,     limits.max_bytes,    limits.connect_seconds,
+            limits.idle_seconds, limits.total_seconds, limits.max_redirects};
+  }
 };
 
 TEST_F(ProfileTest, ReadsEverySetting) {
-  Write("book.vcf", "BEGIN:VCARD\r\nFN:Ελένη\r\nTEL:61 3\r\nEND:VCARD\r\n");
-  const Profile profile = LoadProfile(Write("profile.toml", R"(timezone = "Europe/Berlin"
+  WriteFile("book.vcf", "BEGIN:VCARD\r\nFN:Ελένη\r\nTEL:61 3\r\nEND:VCARD\r\n");
+  WriteFile("profile.toml", R"(timezone = "Europe/Berlin"
+network.up = false
+menu.present = false
+contacts.vcard = "book.vcf"
 [config]
 HistorySavedSwitch = 1
 "Any key" = -2147483648
-[network]
-up = false
-[menu]
-present = false
 [transfer]
 max_bytes = 1
 connect_seconds = 3600
 idle_seconds = 3
 total_seconds = 4
 max_redirects = 0
-[contacts]
-vcard = "book.vcf"
 [[account]]
 id = 7
 name = "anna"
@@ -82,48 +58,34 @@ server = "sip.example.com"
 name = "Stéphane Müller"
 numbers = ["+44 (1632) 960-101", "612"]
 photo = "photos/stephane.png"
-)"));
+)");
+  const Profile profile = LoadProfile("profile.toml");
   EXPECT_EQ(profile.timezone, "Europe/Berlin");
   EXPECT_EQ(profile.config,
             (std::map<std::string, int>{{"HistorySavedSwitch", 1}, {"Any key", -2147483647 - 1}}));
-  EXPECT_FALSE(profile.network_up);
-  EXPECT_FALSE(profile.has_menu);
-  EXPECT_EQ(profile.limits.max_bytes, 1);
-  EXPECT_EQ(profile.limits.connect_seconds, 3600);
-  EXPECT_EQ(profile.limits.idle_seconds, 3);
-  EXPECT_EQ(profile.limits.total_seconds, 4);
-  EXPECT_EQ(profile.limits.max_redirects, 0);
-
-  ASSERT_EQ(profile.accounts.size(), 2u);
-  const Account& first = profile.accounts[0];
-  EXPECT_EQ(first.FullName(), "anna@sip.example.org");
-  EXPECT_EQ(first.GetAccountId(), 7);
-  EXPECT_FALSE(first.IsAccountUsable());
-  EXPECT_FALSE(first.IsSaveMissCallLog());
-  const Account& second = profile.accounts[1];
-  EXPECT_EQ(second.GetAccountId(), 0);
-  EXPECT_TRUE(second.IsAccountUsable());
-  EXPECT_TRUE(second.IsSaveMissCallLog());
-
+  EXPECT_EQ(Settings(profile), (std::vector<int>{0, 0, 1, 3600, 3, 4, 0}));
+  Texts accounts;
+  for (const Account& account : profile.accounts) {
+    accounts.push_back(account.FullName() + " " + std::to_string(account.GetAccountId()) +
+                       (account.IsAccountUsable() ? " usable" : "") +
+                       (account.IsSaveMissCallLog() ? " keeps missed" : ""));
+  }
+  EXPECT_EQ(accounts,
+            (Texts{"anna@sip.example.org 7", "anna@sip.example.com 0 usable keeps missed"}));
   ASSERT_EQ(profile.contacts.size(), 2u);
   EXPECT_EQ(profile.contacts[0].name, "Stéphane Müller");
-  EXPECT_EQ(profile.contacts[0].numbers, (Numbers{"+441632960101", "612"}));
+  EXPECT_EQ(profile.contacts[0].numbers, (Texts{"+441632960101", "612"}));
   EXPECT_EQ(profile.contacts[0].photo, "photos/stephane.png");
   EXPECT_EQ(profile.contacts[1].name, "Ελένη");
-  EXPECT_EQ(profile.contacts[1].numbers, (Numbers{"613"}));
+  EXPECT_EQ(profile.contacts[1].numbers, Texts{"613"});
 }
 
 TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
-  const Profile profile = LoadProfile(Write("profile.toml", ""));
-  EXPECT_EQ(profile.timezone, "");
-  EXPECT_TRUE(profile.config.empty() && profile.accounts.empty() && profile.contacts.empty());
-  EXPECT_TRUE(profile.network_up);
-  EXPECT_TRUE(profile.has_menu);
-  EXPECT_EQ(profile.limits.max_bytes, 4194304);
-  EXPECT_EQ(profile.limits.connect_seconds, 10);
-  EXPECT_EQ(profile.limits.idle_seconds, 15);
-  EXPECT_EQ(profile.limits.total_seconds, 60);
-  EXPECT_EQ(profile.limits.max_redirects, 5);
+  WriteFile("profile.toml", "");
+  const Profile profile = LoadProfile("profile.toml");
+  EXPECT_TRUE(profile.timezone.empty() && profile.config.empty());
+  EXPECT_TRUE(profile.accounts.empty() && profile.contacts.empty());
+  EXPECT_EQ(Settings(profile), (std::vector<int>{1, 1, 4194304, 10, 15, 60, 5}));
 }
 
 TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
@@ -180,31 +142,25 @@ TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.text);
-    const std::string error = ErrorOf(Write("profile.toml", row.text));
+    WriteFile("profile.toml", row.text);
+    const std::string error = ErrorOf("profile.toml");
     EXPECT_EQ(error.rfind(std::string("profile.toml:") + row.error, 0), 0u) << error;
     EXPECT_EQ(error.find('\n'), error.npos) << error;
   }
 }
 
 TEST_F(ProfileTest, NamesTheFileThatIsWrong) {
-  Write("book.vcf", "BEGIN:VCARD\nFN:A\nTEL 1\nEND:VCARD\n");
-  EXPECT_EQ(ErrorOf(Write("profile.toml", "[contacts]\nvcard = 'book.vcf'\n")),
-            "book.vcf:3: neither a property nor END:VCARD");
-  EXPECT_EQ(ErrorOf(folder_ / "none.toml"), "none.toml: No such file or directory");
-  EXPECT_EQ(ErrorOf(folder_ / "."), ".: Is a directory");
-}
-
-TEST_F(ProfileTest, LoadsTheDemo) {
-  const auto tests = std::filesystem::path(__FILE__).parent_path();
-  const Profile profile = LoadProfile(tests / ".." / "host" / "demo" / "profile.toml");
-  EXPECT_EQ(profile.accounts.size(), 2u);
-  EXPECT_EQ(profile.contacts.size(), 10u);
+  WriteFile("book.vcf", "BEGIN:VCARD\nFN:A\nTEL 1\nEND:VCARD\n");
+  WriteFile("profile.toml", "contacts.vcard = 'book.vcf'\n");
+  EXPECT_EQ(ErrorOf("profile.toml"), "book.vcf:3: neither a property nor END:VCARD");
+  EXPECT_EQ(ErrorOf("none.toml"), "none.toml: No such file or directory");
+  EXPECT_EQ(ErrorOf("."), ".: Is a directory");
 }
 
 TEST(AccountsTest, FindsByFullNameOrFirstSipName) {
-  desk::Accounts accounts({{0, "anna", "a.example.org"},
-                           {1, "anna", "b.example.org"},
-                           {2, "anna@a.example.org", "c.example.org"}});
+  Accounts accounts({{0, "anna", "a.example.org"},
+                     {1, "anna", "b.example.org"},
+                     {2, "anna@a.example.org", "c.example.org"}});
   EXPECT_EQ(accounts.FindByFullName("anna@b.example.org"), &accounts.All()[1]);
   EXPECT_EQ(accounts.FindByFullName("anna"), nullptr);
   EXPECT_EQ(accounts.FindBySipName("anna"), &accounts.All()[0]);
@@ -221,3 +177,4 @@ TEST(AccountsTest, FindsByFullNameOrFirstSipName) {
 }
 
 }  // namespace
+}  // namespace desk

@@ -1,7 +1,9 @@
 // Address books in vCard form, and the contact directory that holds what they say.
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Contacts.h"
@@ -28,12 +30,6 @@ std::string Shown(const std::vector<Contact>& contacts) {
   return shown;
 }
 
-std::string WithCrLf(const std::string& text) {
-  std::string result;
-  for (char c : text) result += c == '\n' ? std::string("\r\n") : std::string(1, c);
-  return result;
-}
-
 TEST(VCardTest, ReadsCards) {
   const struct {
     const char* what;
@@ -42,22 +38,19 @@ TEST(VCardTest, ReadsCards) {
   } kRows[] = {
       {"several numbers, parameters, groups, small letters",
        Card("N:Müller;Stéphane;;;\nFN:Stéphane Müller\nTEL;TYPE=WORK,VOICE;TYPE=pref:612\n"
-            "item1.TEL;TYPE=\"cell;x:y\":613\nitem1.X-ABLABEL:Car\ntel:614\n"),
+            "item1.TEL;TYPE=\"cell;x:y\":613\nitem1.X-ABLABEL:Car\nTEL: - \ntel:(61) 4\n"),
        "Stéphane Müller|612|613|614|\n"},
-      {"separators in numbers", Card("FN:A\nTEL:+44 (1632) 960-001\nTEL:202/555.0101\nTEL: - \n"),
-       "A|+441632960001|2025550101|\n"},
       {"escapes", Card("FN:Doe\\, Jane\\; x\\\\n y\\nz\\N\\:\\q\nTEL:1\n"),
        "Doe, Jane; x\\n y\nz\n:\\q|1|\n"},
-      {"folded lines", Card("FN:Natalia \n  Orl\n\tova\nTEL;TYPE=\n WORK:61\n 5\n"),
-       "Natalia  Orlova|615|\n"},
-      {"a letter folded in its middle", Card("FN:Zo\xC3\n \xAB\nTEL:1\n"), "Zoë|1|\n"},
+      {"folded lines, one in the middle of a letter",
+       Card("FN:Zo\xC3\n \xAB \n  Orl\n\tova\nTEL;TYPE=\n WORK:61\n 5\n"), "Zoë  Orlova|615|\n"},
       {"4.0 URIs",
        Card("FN:A\nTEL;VALUE=uri;TYPE=\"voice,home\":tel:+49-30-1234;ext=5\n"
             "TEL;VALUE=uri:TEL:+4930\nTEL;VALUE=uri:sip:a.b@example.org\n"),
        "A|+49301234|+4930|sip:a.b@example.org|\n"},
-      {"photos by reference",
+      {"photos by reference; the first one counts, and the first name",
        Card("FN:A\nTEL:1\nPHOTO;VALUE=uri:https://example.org/a.png\n") +
-           Card("FN:B\nTEL:2\nPHOTO:photos/b.png\nPHOTO:photos/c.png\n"),
+           Card("FN:B\nFN:C\nTEL:2\nPHOTO:photos/b.png\nPHOTO:photos/c.png\n"),
        "A|1|https://example.org/a.png\nB|2|photos/b.png\n"},
       {"photos inside",
        Card("FN:A\nTEL:1\nPHOTO;ENCODING=b;TYPE=PNG:iVBORw0K\n Ggo=\n") +
@@ -68,7 +61,6 @@ TEST(VCardTest, ReadsCards) {
        Card("FN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:St=C3=A9=\nphane =\n"
             " M=c3=bcller 1=2=21=\n\nTEL;HOME:1\n"),
        "Stéphane  Müller 1=2!|1|\n"},
-      {"the first name counts", Card("FN:A\nFN:B\nTEL:1\n"), "A|1|\n"},
       {"cards without name or number are skipped",
        Card("TEL:1\n") + Card("FN:\nTEL:1\n") + Card("FN:B\n") + Card("FN:C\nTEL:2\n"), "C|2|\n"},
       {"mark of byte order, blank lines, no last line end",
@@ -79,7 +71,8 @@ TEST(VCardTest, ReadsCards) {
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.what);
     EXPECT_EQ(Shown(ParseVCards(row.text, "book.vcf")), row.shown);
-    EXPECT_EQ(Shown(ParseVCards(WithCrLf(row.text), "book.vcf")), row.shown);
+    const std::string crLf = std::regex_replace(row.text, std::regex("\n"), "\r\n");
+    EXPECT_EQ(Shown(ParseVCards(crLf, "book.vcf")), row.shown);
   }
 }
 
@@ -117,16 +110,12 @@ TEST(VCardTest, NamesTheLineOfWhatIsWrong) {
 }
 
 TEST(VCardTest, LosesNoContactOfACutOffFile) {
-  const std::string end = "END:VCARD";
-  const std::string text =
-      Card("FN;ENCODING=QUOTED-PRINTABLE:=C3=\n=A9\\\nitem1.TEL;TYPE=\"a\":tel:1;x\n") +
-      Card("FN:B\nTEL:2\nPHOTO;ENCODING=b:QUJD\n");
-  for (std::size_t size = 0; size < text.size(); ++size) {
+  const std::string first =
+      Card("FN;ENCODING=QUOTED-PRINTABLE:=C3=\n=A9\\\nitem1.TEL;TYPE=\"a\":tel:1;x\n");
+  const std::string text = first + Card("FN:B\nTEL:2\nPHOTO;ENCODING=b:QUJD\n");
+  for (std::size_t size = 0; size < text.size() - 1; ++size) {
     const std::string cut = text.substr(0, size);
-    const std::size_t lastCard = cut.find_last_not_of('\n') + 1;
-    const bool whole =
-        lastCard >= end.size() && cut.substr(lastCard - end.size(), end.size()) == end;
-    if (whole) {
+    if (size == first.size() || size == first.size() - 1) {
       EXPECT_NO_THROW(ParseVCards(cut, "book.vcf")) << cut;
     } else {
       EXPECT_THROW(ParseVCards(cut, "book.vcf"), desk::VCardError) << cut;
@@ -135,19 +124,15 @@ TEST(VCardTest, LosesNoContactOfACutOffFile) {
 }
 
 TEST(ContactsTest, DialledFormDropsSeparatorsOfNumbersOnly) {
-  const struct {
-    const char* written;
-    const char* dialled;
-  } kRows[] = {
-      {"+33 1 23", "+33123"},
-      {"(0)30/12-34.5\t6", "030123456"},
-      {"*21#", "*21#"},
+  const std::pair<const char*, const char*> kRows[] = {
+      {"+33 (0)30/12-34.5\t6", "+33030123456"},
       {" -./() ", ""},
+      {"*21#", "*21#"},
       {"anna.o-hara", "anna.o-hara"},
       {"1.2@192.0.2.7", "1.2@192.0.2.7"},
       {"(202)\u00A0555\u20110101", "2025550101"},
   };
-  for (const auto& row : kRows) EXPECT_EQ(desk::DialledForm(row.written), row.dialled);
+  for (const auto& [written, dialled] : kRows) EXPECT_EQ(desk::DialledForm(written), dialled);
 }
 
 TEST(ContactsTest, FindsTheFirstContactWithExactlyTheNumber) {
@@ -162,31 +147,6 @@ TEST(ContactsTest, FindsTheFirstContactWithExactlyTheNumber) {
   contacts.Replace({{"D", {"4"}, {}}});
   EXPECT_EQ(contacts.FindByNumber("1"), nullptr);
   EXPECT_EQ(contacts.FindByNumber("4")->name, "D");
-}
-
-TEST(ContactsTest, RenamesAddsAndRemoves) {
-  const struct {
-    const char* number;
-    const char* newName;
-    bool changed;
-    const char* shown;
-  } kSteps[] = {
-      {"2", "Z", true, "Z|1|2|photo\nB|2|3|\n"},
-      {"1", "Z", false, "Z|1|2|photo\nB|2|3|\n"},
-      {"9", "", false, "Z|1|2|photo\nB|2|3|\n"},
-      {"", "Nobody", false, "Z|1|2|photo\nB|2|3|\n"},
-      {"9", "New", true, "Z|1|2|photo\nB|2|3|\nNew|9|\n"},
-      {"1", "", true, "B|2|3|\nNew|9|\n"},
-      {"2", "Y", true, "Y|2|3|\nNew|9|\n"},
-      {"9", "Newer", true, "Y|2|3|\nNewer|9|\n"},
-      {"1", "Again", true, "Y|2|3|\nNewer|9|\nAgain|1|\n"},
-  };
-  Contacts contacts({{"A", {"1", "2"}, "photo"}, {"B", {"2", "3"}, {}}});
-  for (const auto& step : kSteps) {
-    SCOPED_TRACE(std::string(step.number) + " becomes " + step.newName);
-    EXPECT_EQ(contacts.Rename(step.number, step.newName), step.changed);
-    EXPECT_EQ(Shown(contacts.All()), step.shown);
-  }
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Feeds imported calls to the module and prints what came of them; reading the records is
+// CallRecords'.
 #include "CallImport.h"
 
 #include <unistd.h>

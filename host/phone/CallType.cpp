@@ -1,3 +1,4 @@
+// Call types and list actions from what a user types.
 #include "CallType.h"
 
 #include "CommandLine.h"

@@ -1,3 +1,4 @@
+// Words, quotes and options of a line. What they mean is the commands'.
 #include "CommandLine.h"
 
 #include <algorithm>

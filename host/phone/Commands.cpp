@@ -1,3 +1,4 @@
+// The table of all commands, and how one line is carried out.
 #include "Commands.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Documents over HTTP with Basic authorization, by an HTTP library, and the ways to answer badly.
 #include "LogServer.h"
 
 #include <httplib.h>

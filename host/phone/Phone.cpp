@@ -1,3 +1,4 @@
+// Switching the phone on and off, letting time pass, and saying what happened by itself.
 #include "Phone.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Makes, locks and enters the directory of one phone.
 #include "RootDirectory.h"
 
 #include <fcntl.h>

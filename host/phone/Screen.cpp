@@ -1,3 +1,4 @@
+// Tables and boxes of text. Whatever a caller or a server chose is made printable here.
 #include "Screen.h"
 
 #include <utf8proc.h>

@@ -1,3 +1,4 @@
+// Runs lines one after the other; a wrong one is named and passed over.
 #include "Script.h"
 
 #include "CommandLine.h"

@@ -1,3 +1,4 @@
+// Readline in its callback mode, so that one thread waits for keys, timers and transfers at once.
 #include "Terminal.h"
 
 #include <poll.h>

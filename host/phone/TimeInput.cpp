@@ -1,3 +1,4 @@
+// Spans and local times from text; how a time is shown is TimeText's.
 #include "TimeInput.h"
 
 #include <charconv>

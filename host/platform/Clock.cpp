@@ -1,3 +1,4 @@
+// The machine's clocks, and the ones that are moved by hand.
 #include "Clock.h"
 
 namespace desk {

@@ -1,3 +1,5 @@
+// The one platform of the process, how time passes on it, and its smallest operations:
+// configuration values and network state.
 #include "Desktop.h"
 
 #include <cassert>

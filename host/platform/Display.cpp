@@ -1,3 +1,4 @@
+// Idle statuses, LED, backlight and menu titles: kept for the phone to show, noted in the journal.
 #include "Display.h"
 
 #include "Backlight.h"

@@ -1,3 +1,4 @@
+// Keeps the newest lines; whoever reads them gets copies.
 #include "Journal.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The queue and the handlers, and the message operations of the platform over them.
 #include "MessageLoop.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The file system calls behind a file that nobody else may see half done.
 #include "PrivateFile.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// The talk logic's two operations; hanging up is the user's, and so a command's.
 #include "Talk.h"
 
 #include "Desktop.h"

@@ -1,3 +1,4 @@
+// Formatting, hiding credentials, and making any bytes fit for a terminal.
 #include "Text.h"
 
 #include <utf8proc.h>

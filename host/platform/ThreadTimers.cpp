@@ -1,3 +1,4 @@
+// Timers as due times on the monotonic clock; a due one becomes a message.
 #include "ThreadTimers.h"
 
 #include <algorithm>

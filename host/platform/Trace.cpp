@@ -1,3 +1,4 @@
+// One line per call, with credentials masked, to the journal and, by level, out of the process.
 #include "Trace.h"
 
 #include "Desktop.h"

@@ -1,3 +1,5 @@
+// One thread with libcurl's multi interface: takes on what has arrived, ends what is done, stopped
+// or idle for too long, and posts each end.
 #include "TransferThread.h"
 
 #include <signal.h>

@@ -1,3 +1,4 @@
+// Credentials are cut off by hand, since nobody has escaped them; the rest is libcurl's parser's.
 #include "TransferUrl.h"
 
 #include <curl/curl.h>
