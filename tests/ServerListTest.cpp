@@ -159,6 +159,7 @@ TEST_F(ServerListTest, AChangeOfMindWhileATransferRuns) {
     int next;      // answer to the next request
   } kRows[] = {
       {"cancel", true, false, false, false, {}, BS_LIST_DOWNLOADING},
+      {"cancel; it fails", true, false, false, true, {}, BS_LIST_DOWNLOADING},
       {"cancel, ask", true, true, false, false, {"0 "}, BS_LIST_OK},
       {"cancel, ask; the first fails", true, true, false, true, {"0 ", "1 "}, BS_LIST_DOWNLOADING},
       {"refresh", false, true, true, false, {"0 "}, BS_LIST_OK},
