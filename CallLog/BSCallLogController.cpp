@@ -1,10 +1,19 @@
 // The singleton of the server call logs: it creates and forwards; what is done is the model's.
-// Without a model every operation gives its failure value.
+// Without a model, and when memory runs out, every operation gives its failure value.
 #include "BSCallLogController.h"
 
+#include <new>
+
 #include "BSCallLogModel.h"
+#include "Failure.h"
 
 namespace NS_CALLLOG {
+
+namespace {
+
+using Model = CBSCallLogModel;
+
+}  // namespace
 
 CBSCallLogController* CBSCallLogController::m_pInst = nullptr;
 
@@ -13,8 +22,10 @@ CBSCallLogController::~CBSCallLogController() = default;
 
 CBSCallLogController* CBSCallLogController::GetInstance() {
   if (m_pInst == nullptr) {
-    m_pInst = new CBSCallLogController;
-    m_pInst->MyInit();
+    m_pInst = new (std::nothrow) CBSCallLogController;
+    if (m_pInst != nullptr && !OrFailure(false, [] { return m_pInst->MyInit(); })) {
+      ReleaseInstance();
+    }
   }
   return m_pInst;
 }
@@ -39,52 +50,50 @@ bool CBSCallLogController::MyFinal() {
 int CBSCallLogController::GetLogListByClickAction(CallLogSimpleListData* page,
                                                   const std::string& clickAction,
                                                   const std::string& query, bool refresh) {
-  if (m_pModel == nullptr) return BS_LIST_FAILED;
-  return m_pModel->GetLogListByClickAction(page, clickAction, query, refresh);
+  return Ask<int>(m_pModel, BS_LIST_FAILED, &Model::GetLogListByClickAction, page, clickAction,
+                  query, refresh);
 }
 
 bool CBSCallLogController::GetLogDetailByIndex(CallLogDetailData* detail, int index) const {
-  return m_pModel != nullptr && m_pModel->GetLogDetailByIndex(detail, index);
+  return Ask(m_pModel, false, &Model::GetLogDetailByIndex, detail, index);
 }
 
-bool CBSCallLogController::CancelDownload() {
-  return m_pModel != nullptr && m_pModel->CancelDownload();
-}
+bool CBSCallLogController::CancelDownload() { return Ask(m_pModel, false, &Model::CancelDownload); }
 
 bool CBSCallLogController::AddToLocalDir(int /*index*/) { return false; }
 
 bool CBSCallLogController::AddToLocalBlackDir(int /*index*/) { return false; }
 
 bool CBSCallLogController::IsBroadSoftCallLogConfigured() const {
-  return m_pModel != nullptr && m_pModel->IsBroadSoftCallLogConfigured();
+  return Ask(m_pModel, false, &Model::IsBroadSoftCallLogConfigured);
 }
 
 bool CBSCallLogController::IsItemConfigured(int index) const {
-  return m_pModel != nullptr && m_pModel->IsItemConfigured(index);
+  return Ask(m_pModel, false, &Model::IsItemConfigured, index);
 }
 
 int CBSCallLogController::GetTotalConfigurableItemCount() const {
-  return m_pModel != nullptr ? m_pModel->GetTotalConfigurableItemCount() : -1;
+  return Ask(m_pModel, -1, &Model::GetTotalConfigurableItemCount);
 }
 
 std::string CBSCallLogController::GetConfiguredItemName(int index) const {
-  return m_pModel != nullptr ? m_pModel->GetConfiguredItemName(index) : std::string();
+  return Ask(m_pModel, std::string(), &Model::GetConfiguredItemName, index);
 }
 
 const BroadSoftConfigItem* CBSCallLogController::GetConfigDataByIndex(int index) const {
-  return m_pModel != nullptr ? m_pModel->GetConfigDataByIndex(index) : nullptr;
+  return Ask<const BroadSoftConfigItem*>(m_pModel, nullptr, &Model::GetConfigDataByIndex, index);
 }
 
 void CBSCallLogController::SetConfigDataByIndex(int index, const BroadSoftConfigItem& item) {
-  if (m_pModel != nullptr) m_pModel->SetConfigDataByIndex(index, item);
+  Ask(m_pModel, false, &Model::SetConfigDataByIndex, index, item);
 }
 
 std::string CBSCallLogController::GetBSCallLogDisplayName() {
-  return m_pModel != nullptr ? m_pModel->GetBSCallLogDisplayName() : std::string();
+  return Ask(m_pModel, std::string(), &Model::GetBSCallLogDisplayName);
 }
 
 bool CBSCallLogController::ReloadBSCallLogConfig() {
-  return m_pModel != nullptr && m_pModel->ReloadBSCallLogConfig();
+  return Ask(m_pModel, false, &Model::ReloadBSCallLogConfig);
 }
 
 }  // namespace NS_CALLLOG

@@ -5,8 +5,6 @@
 
 #include <tinyxml.h>
 
-#include <new>
-
 #include "BSCallLogController.h"
 #include "BSConfigDocument.h"
 #include "CommonAPI.h"
@@ -14,6 +12,8 @@
 #include "EtlMisc.h"
 #include "EtlMsgHandler.h"
 #include "EtlTrace.h"
+#include "Failure.h"
+#include "FileWriter.h"
 #include "NetStatus.h"
 #include "Paths.h"
 #include "RowRange.h"
@@ -33,6 +33,15 @@ constexpr unsigned int kDownloadedMessage = 0x913;  // MSG_BS_CALLLOG_DOWNLOADED
 constexpr char kEntry[] = "callLogsEntry";
 
 std::string TemporaryPath() { return std::string(kTemporaryDirectory) + kDownloadFileName; }
+
+using Action = std::unique_ptr<NS_TA::CNetworkFileAction, void (*)(NS_TA::CNetworkFileAction*)>;
+
+// As TinyXML itself would save it, but for what happens when memory runs out meanwhile.
+void WriteDocument(const std::string& path, const TiXmlDocument& document) {
+  TiXmlPrinter printer;
+  document.Accept(&printer);
+  RewriteFile(path, printer.Str());
+}
 
 // Text of the first child element `name`; empty when there is none.
 std::string ChildText(TiXmlElement* element, const char* name) {
@@ -69,18 +78,17 @@ bool CBSCallLogModel::MyLoadDataFromXmlConfig(const std::string& fileName) {
   if (!LoadXmlFile(&document, path)) return false;
   TiXmlElement* const root = document.FirstChildElement(kSourcesRoot);
   if (root == nullptr) return false;
-  try {
+  const bool whole = OrFailure(false, [&] {
     m_strDisplayName = TinyXml_GetStringAttr(root, kDisplayNameAttribute, "");
     for (TiXmlElement* element = root->FirstChildElement(kSourceItem); element != nullptr;
          element = element->NextSiblingElement(kSourceItem)) {
-      auto item = std::make_unique<BroadSoftConfigItem>();
-      ReadSource(element, item.get());
-      m_vecConfigItem.push_back(std::move(item));
+      m_vecConfigItem.push_back(std::make_unique<BroadSoftConfigItem>());
+      ReadSource(element, m_vecConfigItem.back().get());
     }
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  });
+  if (!whole) MyClearConfigVector();  // a part of the sources, saved later, would cost the others
+  return whole;
 }
 
 // What becomes of the save shows when the file is loaded.
@@ -90,7 +98,7 @@ bool CBSCallLogModel::CreateBroadSoftCallLogList(std::string& path) {
   document.LinkEndChild(new TiXmlDeclaration("1.0", "UTF-8", ""));
   TiXmlElement* const root = AppendSourcesRoot(&document, "");
   for (int i = 0; i < kDefaultSources; ++i) AppendSource(root, BroadSoftConfigItem());
-  document.SaveFile(path);
+  WriteDocument(path, document);
   return true;
 }
 
@@ -102,7 +110,7 @@ bool CBSCallLogModel::MySaveConfig() {
   document.LinkEndChild(declaration.release());
   TiXmlElement* const root = AppendSourcesRoot(&document, m_strDisplayName);
   for (const auto& item : m_vecConfigItem) AppendSource(root, *item);
-  document.SaveFile(std::string(kConfigDirectory) + kSourcesFileName);
+  WriteDocument(std::string(kConfigDirectory) + kSourcesFileName, document);
   MySetConfigDirty(false);
   return true;
 }
@@ -127,7 +135,8 @@ const BroadSoftConfigItem* CBSCallLogModel::GetConfigDataByIndex(int index) cons
 
 bool CBSCallLogModel::SetConfigDataByIndex(int index, const BroadSoftConfigItem& item) {
   if (index >= 0 && index < GetTotalConfigurableItemCount()) {
-    *m_vecConfigItem[static_cast<std::size_t>(index)] = item;
+    BroadSoftConfigItem whole = item;
+    *m_vecConfigItem[static_cast<std::size_t>(index)] = std::move(whole);
     MySetConfigDirty(true);
   }
   return MySaveConfig();
@@ -201,8 +210,10 @@ std::string CBSCallLogModel::MyFormatQueryArgs(const std::string& args) {
 }
 
 int CBSCallLogModel::MyMakeReadyForDownload(const std::string& url) {
-  std::unique_ptr<ListItemData>& item = m_mapListData[url];
-  if (item == nullptr) item = std::make_unique<ListItemData>();
+  ListItemData* item = MyFindItemData(url);
+  if (item == nullptr) {
+    item = m_mapListData.emplace(url, std::make_unique<ListItemData>()).first->second.get();
+  }
   if (item->state == LIST_STATE_DOWNLOADING || item->state == LIST_STATE_LOADED) {
     return item->state;
   }
@@ -215,28 +226,35 @@ int CBSCallLogModel::MyExecDownload(const std::string& url, bool sync) {
   if (item == nullptr || item->state != LIST_STATE_READY) return LIST_STATE_FAILED;
   const std::string localPath = TemporaryPath();
   etlTrace(2, "CallLog: ExecDownload localPath[%s], remoteUrl[%s]", localPath.c_str(), url.c_str());
-  auto* const action = TaskAction_CreateNetworkFileAction(localPath.c_str(), url.c_str());
+  Action action(TaskAction_CreateNetworkFileAction(localPath.c_str(), url.c_str()),
+                TaskAction_DestroyNetworkFileAction);
   if (action == nullptr) return LIST_STATE_FAILED;
   item->state = LIST_STATE_DOWNLOADING;
   action->SetRead(true);
   action->SetSync(sync);
   action->SetCallback(this);
-  if (TaskAction_ExecAction(action)) return LIST_STATE_DOWNLOADING;
-  TaskAction_DestroyNetworkFileAction(action);  // refused: nobody will call back with it
-  return LIST_STATE_FAILED;
+  // Refused, it is destroyed here: nobody will call back with it.
+  if (!TaskAction_ExecAction(action.get())) return LIST_STATE_FAILED;
+  action.release();
+  return LIST_STATE_DOWNLOADING;
 }
 
 void CBSCallLogModel::OnTaskActionCallback(NS_TA::CTaskAction* action) {
   etlTrace(3, "CBSCallLogModel::OnTaskActionCallback begin");
   if (action == nullptr || action->GetRequestType() != kNetworkFileRequest) return;
-  const std::unique_ptr<NS_TA::CNetworkFileAction, void (*)(NS_TA::CNetworkFileAction*)> ended(
-      static_cast<NS_TA::CNetworkFileAction*>(action), TaskAction_DestroyNetworkFileAction);
-  const std::string url = ended->GetFilePathRemote();
+  const Action ended(static_cast<NS_TA::CNetworkFileAction*>(action),
+                     TaskAction_DestroyNetworkFileAction);
+  IgnoreFailure([&] { MyTakeOver(*ended); });
+}
+
+void CBSCallLogModel::MyTakeOver(const NS_TA::CNetworkFileAction& ended) {
+  const std::string url = ended.GetFilePathRemote();
   ListItemData* const item = MyFindItemData(url);
   if (item == nullptr || item->state == LIST_STATE_CANCELLED) return;
-  if (ended->IsOperationSucceed()) {
+  if (ended.IsOperationSucceed()) {
     if (item->state != LIST_STATE_DOWNLOADING) return;
-    const bool loaded = MyLoadDataFromFile(item, ended->GetFilePath());
+    const bool loaded =
+        OrFailure(false, [&] { return MyLoadDataFromFile(item, ended.GetFilePath()); });
     item->state = loaded ? LIST_STATE_LOADED : LIST_STATE_FAILED;
   } else {
     item->state = LIST_STATE_FAILED;
@@ -254,15 +272,12 @@ bool CBSCallLogModel::MyLoadDataFromFile(ListItemData* list, const std::string& 
   list->Reset();
   TiXmlElement* const root = document.RootElement();
   if (root == nullptr) return false;
-  try {
-    for (TiXmlElement* entry = root->FirstChildElement(kEntry); entry != nullptr;
-         entry = entry->NextSiblingElement(kEntry)) {
-      list->records.push_back(MyReadEntry(entry));
-    }
-  } catch (const std::bad_alloc&) {
-    list->Reset();
-    return false;
+  std::list<std::unique_ptr<CallLogDetailData>> records;
+  for (TiXmlElement* entry = root->FirstChildElement(kEntry); entry != nullptr;
+       entry = entry->NextSiblingElement(kEntry)) {
+    records.push_back(MyReadEntry(entry));
   }
+  list->records.swap(records);
   return true;
 }
 
@@ -318,6 +333,7 @@ int CBSCallLogModel::GetLogListByClickAction(CallLogSimpleListData* list,
 
 bool CBSCallLogModel::MyCopyList(CallLogSimpleListData* list, const ListItemData* item) {
   if (list == nullptr || item == nullptr || item->state != LIST_STATE_LOADED) return false;
+  std::list<CallLogSimpleData> page;
   const int total = static_cast<int>(item->records.size());
   const auto rows = RequestedRows(*list, total);
   if (!rows) return false;
@@ -325,12 +341,12 @@ bool CBSCallLogModel::MyCopyList(CallLogSimpleListData* list, const ListItemData
   for (auto record = item->records.begin(); record != item->records.end() && position < rows->to;
        ++record, ++position) {
     if (position < rows->from) continue;
-    CallLogSimpleData row;
+    CallLogSimpleData& row = page.emplace_back();
     row.display_name =
         (*record)->display_name.empty() ? (*record)->number : (*record)->display_name;
     row.time_text = (*record)->time_text;
-    list->items.push_back(row);
   }
+  list->items.splice(list->items.end(), page);
   list->total = total;
   return true;
 }
@@ -339,7 +355,8 @@ bool CBSCallLogModel::GetLogDetailByIndex(CallLogDetailData* detail, int index) 
   if (detail == nullptr || index < 0) return false;
   const ListItemData* const item = MyFindItemData(m_strCurrentUrl);
   if (item == nullptr || static_cast<std::size_t>(index) >= item->records.size()) return false;
-  *detail = **std::next(item->records.begin(), index);
+  CallLogDetailData whole = **std::next(item->records.begin(), index);
+  *detail = std::move(whole);
   return true;
 }
 

@@ -76,6 +76,7 @@ class CBSCallLogModel : public NS_TA::CTaskActionCallbackBase {
   std::string MyFormatQueryArgs(const std::string& args);
   int MyMakeReadyForDownload(const std::string& url);
   int MyExecDownload(const std::string& url, bool sync);
+  void MyTakeOver(const NS_TA::CNetworkFileAction& ended);
   bool MyLoadDataFromFile(ListItemData* list, const std::string& path);
   std::unique_ptr<CallLogDetailData> MyReadEntry(TiXmlElement* entry);
   std::string CallLogTime2DisplayTime(const char* text, int withYear);

@@ -1,11 +1,15 @@
 // The singleton of the local history: it turns click actions into call types and forwards; what is
-// done is the model's. Without a model every operation gives its failure value.
+// done is the model's. Without a model, and when memory runs out, every operation gives its failure
+// value.
 #include "CallLogController.h"
+
+#include <new>
 
 #include "CallLogModel.h"
 #include "CommonAPI.h"
 #include "Directory.h"
 #include "EtlMsgHandler.h"
+#include "Failure.h"
 #include "TalkLogic.h"
 
 namespace NS_CALLLOG {
@@ -19,6 +23,18 @@ int TypeOf(const std::string& action) {
   return CommonAPI_ParseIdByClickAction(action, "call_log_x");
 }
 
+using Model = CCallLogModel;
+
+// What an operation of the model on the action's call type gives; 0 when there is no such type.
+template <class Operation>
+int AskForType(const std::unique_ptr<Model>& model, const std::string& action,
+               const Operation& operation) noexcept {
+  return Ask(model, 0, [&](Model& asked) -> int {
+    const int type = TypeOf(action);
+    return type < 0 ? 0 : operation(asked, type);
+  });
+}
+
 }  // namespace
 
 CCallLogController* CCallLogController::m_pInst = nullptr;
@@ -28,15 +44,17 @@ CCallLogController::~CCallLogController() = default;
 
 CCallLogController* CCallLogController::GetInstance() {
   if (m_pInst == nullptr) {
-    m_pInst = new CCallLogController;
-    m_pInst->MyInit();
+    m_pInst = new (std::nothrow) CCallLogController;
+    if (m_pInst != nullptr && !OrFailure(false, [] { return m_pInst->MyInit(); })) {
+      ReleaseInstance();
+    }
   }
   return m_pInst;
 }
 
 void CCallLogController::ReleaseInstance() {
   if (m_pInst == nullptr) return;
-  m_pInst->MyFinal();
+  IgnoreFailure([] { m_pInst->MyFinal(); });
   delete m_pInst;
   m_pInst = nullptr;
 }
@@ -54,100 +72,97 @@ bool CCallLogController::MyFinal() {
 }
 
 int CCallLogController::OnMessage(ETL_MsgQueueHelper::msgObject& msg) {
-  if (msg.message != kTimerMessage) return 0;
-  if (m_pInst == nullptr || m_pInst->m_pModel == nullptr) return 0;
-  return m_pInst->m_pModel->HandleTimeoutMessage(msg);
+  if (msg.message != kTimerMessage || m_pInst == nullptr) return 0;
+  return Ask(m_pInst->m_pModel, 0, &CCallLogModel::HandleTimeoutMessage, msg);
 }
 
 int CCallLogController::GetLogListByClickAction(CallLogSimpleListData* page,
                                                 const std::string& action) const {
-  const int type = TypeOf(action);
-  if (type < 0 || m_pModel == nullptr) return 0;
-  return m_pModel->GetLogListByType(page, type);
+  return AskForType(m_pModel, action,
+                    [&](Model& model, int type) { return model.GetLogListByType(page, type); });
 }
 
 int CCallLogController::GetLogDetailByClickAction(CallLogDetailData* detail,
                                                   const std::string& action, int row) const {
-  const int type = TypeOf(action);
-  if (type < 0 || m_pModel == nullptr) return 0;
-  return m_pModel->GetLogDetailByIndex(detail, type, row);
+  return AskForType(m_pModel, action, [&](Model& model, int type) {
+    return model.GetLogDetailByIndex(detail, type, row);
+  });
 }
 
 int CCallLogController::RemoveLog(const std::string& action, int row) {
-  const int type = TypeOf(action);
-  if (type < 0 || m_pModel == nullptr) return 0;
-  return m_pModel->RemoveLog(type, row);
+  return AskForType(m_pModel, action,
+                    [&](Model& model, int type) { return model.RemoveLog(type, row); });
 }
 
 int CCallLogController::RemoveLogList(const std::string& action, const std::list<int>& rows) {
-  const int type = TypeOf(action);
-  if (type < 0 || m_pModel == nullptr) return 0;
-  return m_pModel->RemoveLogList(type, rows);
+  return AskForType(m_pModel, action,
+                    [&](Model& model, int type) { return model.RemoveLogList(type, rows); });
 }
 
 int CCallLogController::RemoveAllLogsByClickAction(const std::string& action) {
-  const int type = TypeOf(action);
-  if (type < 0 || m_pModel == nullptr) return 0;
-  return m_pModel->RemoveAllLogs(type);
+  return AskForType(m_pModel, action,
+                    [](Model& model, int type) { return model.RemoveAllLogs(type); });
 }
 
 void CCallLogController::RedialNumberByClickAction(const std::string& action) {
   if (action != kRedialAction) return;
-  const std::string number = GetLastOutCall();
-  if (number.empty()) return;
-  std::string name = Directory_GetContactNameByNumber(number.c_str());
-  if (name.empty()) name = number;
-  talkLogic_CallOut(number, name, m_pModel->GetLastOutCallAccounId());
+  IgnoreFailure([this] {
+    const std::string number = GetLastOutCall();
+    if (number.empty()) return;
+    std::string name = Directory_GetContactNameByNumber(number.c_str());
+    if (name.empty()) name = number;
+    talkLogic_CallOut(number, name, m_pModel->GetLastOutCallAccounId());
+  });
 }
 
 std::string CCallLogController::GetLastNewInCall() const {
-  return m_pModel != nullptr ? m_pModel->GetLastNewInCall() : std::string();
+  return Ask(m_pModel, std::string(), &Model::GetLastNewInCall);
 }
 
 std::string CCallLogController::GetLastOutCall() const {
-  return m_pModel != nullptr ? m_pModel->GetLastOutCall() : std::string();
+  return Ask(m_pModel, std::string(), &Model::GetLastOutCall);
 }
 
 std::string CCallLogController::GetImagePathByType(int type) const {
-  return m_pModel != nullptr ? m_pModel->GetImagePathByType(type) : std::string();
+  return Ask(m_pModel, std::string(), &Model::GetImagePathByType, type);
 }
 
 int CCallLogController::AddLog(const CallLogAddItemData& call) {
-  return m_pModel != nullptr ? m_pModel->AddLog(call) : -1;
+  return Ask(m_pModel, -1, &Model::AddLog, call);
 }
 
 int CCallLogController::UpdateLog(const CallLogUpdateData& contact) {
-  return m_pModel != nullptr ? m_pModel->UpdateLog(contact) : 0;
+  return Ask(m_pModel, 0, &Model::UpdateLog, contact);
 }
 
 int CCallLogController::ResetLogContactName() {
-  return m_pModel != nullptr ? m_pModel->ResetLogContactName() : 0;
+  return Ask(m_pModel, 0, &Model::ResetLogContactName);
 }
 
 void CCallLogController::UpdateDispName(const std::list<SuperSearchItemData>& names) {
-  if (m_pModel != nullptr) m_pModel->UpdateDispName(names);
+  if (m_pModel != nullptr) IgnoreFailure([&] { m_pModel->UpdateDispName(names); });
 }
 
-int CCallLogController::SaveToFile() { return m_pModel != nullptr ? m_pModel->SaveToFile() : 0; }
+int CCallLogController::SaveToFile() { return Ask(m_pModel, 0, &Model::SaveToFile); }
 
 int CCallLogController::Search(CallLogSearchListData* page, const std::string& key) {
-  return m_pModel != nullptr ? m_pModel->Search(page, key) : 0;
+  return Ask(m_pModel, 0, &Model::Search, page, key);
 }
 
 int CCallLogController::SearchRecentOutCall(CallLogSearchListData* page) const {
-  return m_pModel != nullptr ? m_pModel->SearchRecentOutCall(page) : 0;
+  return Ask(m_pModel, 0, [&](Model& model) { return model.SearchRecentOutCall(page); });
 }
 
 int CCallLogController::SearchRecentOutCall(SuperSearchListData* page) const {
-  return m_pModel != nullptr ? m_pModel->SearchRecentOutCall(page) : 0;
+  return Ask(m_pModel, 0, [&](Model& model) { return model.SearchRecentOutCall(page); });
 }
 
 int CCallLogController::GetMissedNotifyList(MissedNotifyListData* list) const {
-  return m_pModel != nullptr ? m_pModel->GetMissedNotifyList(list) : 0;
+  return Ask(m_pModel, 0, &Model::GetMissedNotifyList, list);
 }
 
 int CCallLogController::GetForwardedNotifyList(ForwardedNotifyList* list) const {
-  return m_pModel != nullptr ? m_pModel->GetForwardedNotifyList(list) : 0;
+  return Ask(m_pModel, 0, &Model::GetForwardedNotifyList, list);
 }
 
 void CCallLogController::ResetMissedCall() {
@@ -168,15 +183,16 @@ void CCallLogController::RemoveForwardDirtyByNumber(const std::string& number) {
 
 bool CCallLogController::GetContactDataByNumber(ContactGeneralItemData* contact,
                                                 const std::string& number) const {
-  return Directory_GetContactDataByNumber(contact, number.c_str());
+  return OrFailure(false,
+                   [&] { return Directory_GetContactDataByNumber(contact, number.c_str()); });
 }
 
 bool CCallLogController::CallOut(const std::string& number, const std::string& name) {
-  return talkLogic_CallOut(number, name, kDefaultAccount);
+  return OrFailure(false, [&] { return talkLogic_CallOut(number, name, kDefaultAccount); });
 }
 
 void CCallLogController::EnterTalkUI(const std::string& number) {
-  talkLogic_EnterDialUI(number, kDefaultAccount, true);
+  IgnoreFailure([&] { talkLogic_EnterDialUI(number, kDefaultAccount, true); });
 }
 
 }  // namespace NS_CALLLOG

@@ -1,5 +1,7 @@
-// The exported functions: each obtains its controller and forwards.
+// The exported functions: each obtains its controller and forwards. The controllers turn whatever
+// goes wrong into a result.
 #include "CallLog.h"
+#include "Failure.h"
 
 using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
@@ -59,11 +61,13 @@ std::string CallLog_GetBSCallLogDisplayName() {
 void RemoveMissedDirtyByNumber(const char* number) {
   if (number == nullptr) return;
   auto* const controller = CCallLogController::GetInstance();
-  if (controller != nullptr) controller->RemoveMissedDirtyByNumber(number);
+  if (controller == nullptr) return;
+  NS_CALLLOG::IgnoreFailure([&] { controller->RemoveMissedDirtyByNumber(number); });
 }
 
 void RemoveForwardDirtyByNumber(const char* number) {
   if (number == nullptr) return;
   auto* const controller = CCallLogController::GetInstance();
-  if (controller != nullptr) controller->RemoveForwardDirtyByNumber(number);
+  if (controller == nullptr) return;
+  NS_CALLLOG::IgnoreFailure([&] { controller->RemoveForwardDirtyByNumber(number); });
 }

@@ -2,6 +2,7 @@
 #include "CallLog.h"
 #include "EtlMsgHandler.h"
 #include "EtlTrace.h"
+#include "Failure.h"
 #include "MenuTitle.h"
 
 namespace NS_CALLLOG {
@@ -26,8 +27,8 @@ void OnSourcesChanged(ETL_MsgQueueHelper::msgObject& msg) {
   ETL_TraceHelper::etlTrace(2, "CallLog: Receive MSG [ST_BS_CALLLOG]");
   auto* const controller = CBSCallLogController::GetInstance();
   if (controller != nullptr) controller->ReloadBSCallLogConfig();
-  SetMenuTitle();
-  EtlMsgHandler_NotifyApp(false, kSourcesReloadedMessage, 0, 0);
+  IgnoreFailure(SetMenuTitle);
+  IgnoreFailure([] { EtlMsgHandler_NotifyApp(false, kSourcesReloadedMessage, 0, 0); });
   msg.ReplyMessage(1);
 }
 
@@ -42,18 +43,22 @@ void OnRemoval(const ETL_MsgQueueHelper::msgObject& msg) {
 }  // namespace
 
 int OnCallLogMessage(ETL_MsgQueueHelper::msgObject& msg) {
-  if (msg.wParam == kSourcesItem) {
-    OnSourcesChanged(msg);
-  } else if (msg.wParam == kRemovalItem) {
-    OnRemoval(msg);
-  }
+  IgnoreFailure([&] {
+    if (msg.wParam == kSourcesItem) {
+      OnSourcesChanged(msg);
+    } else if (msg.wParam == kRemovalItem) {
+      OnRemoval(msg);
+    }
+  });
   return 0;
 }
 
 }  // namespace NS_CALLLOG
 
 int CallLog_RegisterMessage() {
-  EtlMsgHandler_RegisterMsgHandle(NS_CALLLOG::kConfigChangeMessage,
-                                  NS_CALLLOG::kConfigChangeMessage, NS_CALLLOG::OnCallLogMessage);
-  return 1;
+  return NS_CALLLOG::OrFailure(0, [] {
+    EtlMsgHandler_RegisterMsgHandle(NS_CALLLOG::kConfigChangeMessage,
+                                    NS_CALLLOG::kConfigChangeMessage, NS_CALLLOG::OnCallLogMessage);
+    return 1;
+  });
 }

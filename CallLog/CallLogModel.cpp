@@ -6,7 +6,7 @@
 #include <tinyxml.h>
 
 #include <algorithm>
-#include <fstream>
+#include <iterator>
 #include <new>
 
 #include "AccountManager.h"
@@ -18,6 +18,8 @@
 #include "Directory.h"
 #include "EtlMsgHandler.h"
 #include "EtlTrace.h"
+#include "Failure.h"
+#include "FileWriter.h"
 #include "HistoryDocument.h"
 #include "NewCallStatus.h"
 #include "Paths.h"
@@ -83,6 +85,24 @@ int MarkSeen(const LogList& records, int type, Matches matches) {
     ++seen;
   }
   return seen;
+}
+
+// Whether the timer runs.
+bool StartSaveTimer() {
+  return OrFailure(false, [] { return timerSetThreadTimer(kSaveTimer, kSaveDelay); });
+}
+
+void WriteHistory(const LogList& records) {
+  etlTrace(3, "--Call log: save call log file begin.");
+  std::string text;
+  {
+    rapidxml::xml_document<> document;
+    rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
+    for (const auto& item : records) AppendHistoryItem(&document, root, *item);
+    rapidxml::print(std::back_inserter(text), document, 0);
+  }
+  RewriteFile(HistoryPath(), text);
+  etlTrace(3, "--Call log: save call log file end.");
 }
 
 bool AnyRecord(const ItemData& /*item*/) { return true; }
@@ -217,18 +237,16 @@ int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
 }
 
 bool CCallLogModel::UpdateLog(const CallLogUpdateData& contact) {
-  bool changed = false;
   for (const auto& item : m_listLog) {
     if (HasNumber(contact, item->remote_sip_name)) {
+      MySetDirty(true);
       item->remote_display_name = FirstNonEmpty(contact.display_name, item->remote_sip_name);
-      changed = true;
     }
     // The file holds no forward names, so a new one alone is nothing to save.
     if (item->type == kForwarded && HasNumber(contact, item->forward_sip_name)) {
       item->forward_display_name = FirstNonEmpty(contact.display_name, item->forward_sip_name);
     }
   }
-  if (changed) MySetDirty(true);
   return true;
 }
 
@@ -284,9 +302,8 @@ void CCallLogModel::MyClearLogListByType(int type) {
 // The search holds pointers to records: every change makes it forget them.
 void CCallLogModel::MySetDirty(bool bDirty) {
   if (bDirty && m_pSearchHelper != nullptr) m_pSearchHelper->ResetKey();
-  if (m_bDirty == bDirty) return;
   m_bDirty = bDirty;
-  if (m_bDirty) timerSetThreadTimer(kSaveTimer, kSaveDelay);
+  if (m_bDirty && !m_bSaveTimerRuns) m_bSaveTimerRuns = StartSaveTimer();
 }
 
 bool CCallLogModel::MyGetDirty() const { return m_bDirty; }
@@ -299,21 +316,17 @@ bool CCallLogModel::HandleTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg) {
 bool CCallLogModel::SaveToFile() {
   if (!MyGetDirty()) return false;
   timerKillThreadTimer(kSaveTimer);
-  etlTrace(3, "--Call log: save call log file begin.");
-  rapidxml::xml_document<> document;
-  try {
-    rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
-    for (const auto& item : m_listLog) AppendHistoryItem(&document, root, *item);
-  } catch (const std::bad_alloc&) {
-    timerSetThreadTimer(kSaveTimer, kSaveDelay);  // the file is as it was; try again later
-    return false;
+  m_bSaveTimerRuns = false;
+  const bool written = OrFailure(false, [this] {
+    WriteHistory(m_listLog);
+    return true;
+  });
+  if (written) {
+    MySetDirty(false);
+  } else {
+    m_bSaveTimerRuns = StartSaveTimer();  // the file is as it was; try again later
   }
-  std::ofstream file(HistoryPath(), std::ios::out | std::ios::trunc);
-  file << document;
-  document.clear();
-  etlTrace(3, "--Call log: save call log file end.");
-  MySetDirty(false);
-  return true;
+  return written;
 }
 
 bool CCallLogModel::MyLoadDataFromFile() {
@@ -384,17 +397,20 @@ void CCallLogModel::MyCheckStatus(int type) {
 bool CCallLogModel::GetMissedNotifyList(MissedNotifyListData* pData) const {
   if (pData == nullptr) return false;
   etlTrace(3, "--Call log: begin to get missed notify list");
-  TallyNewCalls(m_listLog, kMissed, &pData->items, [](MissedCallData*, const ItemData&) {});
+  std::list<MissedCallData> rows = pData->items;
+  TallyNewCalls(m_listLog, kMissed, &rows, [](MissedCallData*, const ItemData&) {});
+  pData->items.swap(rows);
   etlTrace(3, "--Call log: get missed count is %d", static_cast<int>(pData->items.size()));
   return true;
 }
 
 bool CCallLogModel::GetForwardedNotifyList(ForwardedNotifyList* pData) const {
   if (pData == nullptr) return false;
-  TallyNewCalls(
-      m_listLog, kForwarded, &pData->items, [](ForwardedCallData* row, const ItemData& item) {
-        row->forward_display_name = FirstNonEmpty(item.forward_display_name, item.forward_sip_name);
-      });
+  std::list<ForwardedCallData> rows = pData->items;
+  TallyNewCalls(m_listLog, kForwarded, &rows, [](ForwardedCallData* row, const ItemData& item) {
+    row->forward_display_name = FirstNonEmpty(item.forward_display_name, item.forward_sip_name);
+  });
+  pData->items.swap(rows);
   return true;
 }
 
@@ -405,14 +421,13 @@ bool CCallLogModel::GetLogListByType(CallLogSimpleListData* list, int type) {
   if (list == nullptr || !IsViewType(type)) return false;
   const auto rows = RequestedRows(*list, kPageTotal);
   if (!rows) return false;
+  std::list<CallLogSimpleData> page;
   int row = -1;
   for (const auto& item : m_listLog) {
-    if (!IsInView(*item, type)) continue;
-    if (!rows->Contains(++row)) continue;
-    CallLogSimpleData data;
-    MyID2CLSD(&data, *item);
-    list->items.push_back(data);
+    if (!IsInView(*item, type) || !rows->Contains(++row)) continue;
+    MyID2CLSD(&page.emplace_back(), *item);
   }
+  list->items.splice(list->items.end(), page);
   if (type == kMissed || type == kAllTypes) MyClearMissedList();
   if (type == kForwarded || type == kAllTypes) MyClearForwardedList();
   list->total = row + 1;
@@ -438,13 +453,15 @@ bool CCallLogModel::MyID2CLSD(CallLogSimpleData* row, const ItemData& item) cons
 
 bool CCallLogModel::MyID2CLDD(CallLogDetailData* detail, const ItemData& item) const {
   if (detail == nullptr) return false;
-  detail->display_name = item.remote_display_name;
-  detail->number = item.remote_sip_name;
-  detail->server = item.remote_sip_server;
-  detail->time_text = Setting_Time2String(item.born_tick, kTimeSeparator);
-  detail->duration_text = MyGenDurationString(item.duration);
-  detail->image_path = Directory_GetContactImageByNumber(item.remote_sip_name.c_str(), "");
-  detail->type = item.type;
+  CallLogDetailData filled = *detail;
+  filled.display_name = item.remote_display_name;
+  filled.number = item.remote_sip_name;
+  filled.server = item.remote_sip_server;
+  filled.time_text = Setting_Time2String(item.born_tick, kTimeSeparator);
+  filled.duration_text = MyGenDurationString(item.duration);
+  filled.image_path = Directory_GetContactImageByNumber(item.remote_sip_name.c_str(), "");
+  filled.type = item.type;
+  *detail = std::move(filled);
   return true;
 }
 
@@ -484,35 +501,36 @@ int CCallLogModel::GetLastOutCallAccounId() {
   return -1;
 }
 
-// Contact names
+// Contact names: a refresh that memory cuts short is saved as far as it came.
 
 bool CCallLogModel::ResetLogContactName() {
-  for (const auto& item : m_listLog) {
-    item->remote_display_name = item->remote_sip_name;
-    if (item->type == kForwarded) item->forward_display_name = item->forward_sip_name;
-  }
+  const bool complete = OrFailure(false, [this] {
+    for (const auto& item : m_listLog) {
+      item->remote_display_name = item->remote_sip_name;
+      if (item->type == kForwarded) item->forward_display_name = item->forward_sip_name;
+    }
+    return true;
+  });
   const bool bDirty = !m_listLog.empty();
   etlTrace(3, "CCallLogModel::ResetLogContactName: -------- bDirty = %d", bDirty ? 1 : 0);
   if (bDirty) MySetDirty(true);
-  return true;
+  return complete;
 }
 
 void CCallLogModel::UpdateDispName(const std::list<SuperSearchItemData>& names) {
   etlTrace(3, "CCallLogModel::UpdateDispName update begin");
-  bool changed = false;
   for (const SuperSearchItemData& entry : names) {
     for (const auto& item : m_listLog) {
       if (item->remote_sip_name == entry.number) {
+        MySetDirty(true);
         item->remote_display_name = entry.display_name;
-        changed = true;
       }
       if (item->forward_sip_name == entry.number) {
+        MySetDirty(true);
         item->forward_display_name = entry.display_name;
-        changed = true;
       }
     }
   }
-  if (changed) MySetDirty(true);
   etlTrace(3, "CCallLogModel::UpdateDispName update end");
 }
 

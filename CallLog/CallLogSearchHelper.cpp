@@ -60,11 +60,13 @@ Tally TallyOutgoingCalls(const LogList& records) {
 
 template <class Row>
 void AppendRows(const Tally& tally, const RowRange& wanted, std::list<Row>* rows) {
+  std::list<Row> page;
   int position = -1;
   for (const auto& entry : tally) {
     if (!wanted.Contains(++position)) continue;
-    rows->push_back(MakeRow<Row>(entry->display_name, entry->number));
+    page.push_back(MakeRow<Row>(entry->display_name, entry->number));
   }
+  rows->splice(rows->end(), page);
 }
 
 void TraceCount(int count) {
@@ -147,10 +149,12 @@ bool CCallLogSearchHelper::MyCopyResult(CallLogSearchListData* result,
   if (result == nullptr || key.empty()) return false;
   const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
   if (!rows) return false;
+  std::list<CallLogSearchData> page;
   int row = -1;
   for (const ItemData* hit : m_listResult) {
-    if (rows->Contains(++row)) result->items.push_back(MakeRow(*hit));
+    if (rows->Contains(++row)) page.push_back(MakeRow(*hit));
   }
+  result->items.splice(result->items.end(), page);
   result->total = row + 1;
   return true;
 }
@@ -160,16 +164,19 @@ bool CCallLogSearchHelper::MySearchFromResult(CallLogSearchListData* result,
   if (result == nullptr || key.empty()) return false;
   const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
   if (!rows) return false;
+  m_strKey.clear();  // half narrowed, the hits would be those of no key
+  std::list<CallLogSearchData> page;
   int row = -1;
   for (auto hit = m_listResult.begin(); hit != m_listResult.end();) {
     if (!MyMatches(**hit, key)) {
       hit = m_listResult.erase(hit);
       continue;
     }
-    if (rows->Contains(++row)) result->items.push_back(MakeRow(**hit));
+    if (rows->Contains(++row)) page.push_back(MakeRow(**hit));
     ++hit;
   }
   m_strKey = key;
+  result->items.splice(result->items.end(), page);
   result->total = row + 1;
   return true;
 }

@@ -5,6 +5,7 @@
 #include "CommonAPI.h"
 #include "CommonUnits.h"
 #include "EtlTrace.h"
+#include "Failure.h"
 #include "LedLamp.h"
 
 namespace NS_CALLLOG {
@@ -17,22 +18,26 @@ constexpr int kForwardedStatus = 15;
 
 void PublishMissedCount(int count) {
   ETL_TraceHelper::etlTrace(3, "Current missed call count: %d", count);
-  if (count > 0) {
-    CommonUnits_AddStatus(kMissedStatus, CommonAPI_FormatString("%d Missed", count));
-  } else {
-    CommonUnits_RemoveStatus(kMissedStatus);
-  }
+  IgnoreFailure([count] {
+    if (count > 0) {
+      CommonUnits_AddStatus(kMissedStatus, CommonAPI_FormatString("%d Missed", count));
+    } else {
+      CommonUnits_RemoveStatus(kMissedStatus);
+    }
+  });
   backlight_RegisterEvent(BACK_LIGHT_MISSED_CALL, count > 0);
   ledlamp::ledlamp_PostEvent(ledlamp::LAMP_EVENT_MISSED_CALL, count > 0);
 }
 
 void PublishForwardedCount(int count) {
   ETL_TraceHelper::etlTrace(3, "Current forwarded call count: %d", count);
-  if (count > 0) {
-    CommonUnits_AddStatus(kForwardedStatus, CommonAPI_FormatString("%d Forwarded", count));
-  } else {
-    CommonUnits_RemoveStatus(kForwardedStatus);
-  }
+  IgnoreFailure([count] {
+    if (count > 0) {
+      CommonUnits_AddStatus(kForwardedStatus, CommonAPI_FormatString("%d Forwarded", count));
+    } else {
+      CommonUnits_RemoveStatus(kForwardedStatus);
+    }
+  });
   ledlamp::ledlamp_PostEvent(ledlamp::LAMP_EVENT_FORWARDED_CALL, count > 0);
 }
 

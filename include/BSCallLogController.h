@@ -15,9 +15,9 @@ class CBSCallLogModel;
 enum BSListResult {
   BS_LIST_OK = 0,           // the page was filled
   BS_LIST_DOWNLOADING = 1,  // the list is being fetched: ask again after message 0x913
-  BS_LIST_FAILED = 2,  // the transfer could not be started. When it could not even be created, the
-                       // next request tries again; when the platform refused it, the list counts
-                       // as being fetched until it is cancelled or refreshed
+  BS_LIST_FAILED = 2,  // the transfer could not be started, or memory ran out. When it could not
+                       // even be created, the next request tries again; when the platform refused
+                       // it, the list counts as being fetched until it is cancelled or refreshed
   BS_LIST_NOT_CONFIGURED = 6,  // the click action names no source, or one without a server
   BS_LIST_NO_NETWORK = 7,      // the network is not available
   BS_LIST_INVALID = 10,  // no page, an empty click action, or a page that the platform refuses
@@ -34,7 +34,8 @@ enum BSListResult {
 class CBSCallLogController {
  public:
   // The controller. The first call creates it and loads the configuration file, which is created
-  // with six empty sources when it does not exist.
+  // with six empty sources when it does not exist. Null when there is no memory for it; the next
+  // call tries again.
   CALLLOG_EXPORT static CBSCallLogController* GetInstance();
 
   // Destroys the controller with all sources and lists. What a running transfer brings reaches

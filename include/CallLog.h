@@ -10,7 +10,9 @@
 //
 // Thread: every call is made on the UI application's message thread. The module takes no locks.
 //
-// Failures are results, never exceptions.
+// Failures are results, never exceptions. When memory runs out, a call answers what it answers for
+// a failure (0, -1, false, an empty text, null for a controller that could not be created, which
+// the next call tries again), a page handed in stays as it was, and no record is there in part.
 #pragma once
 
 #include "BSCallLogController.h"
@@ -25,13 +27,16 @@ extern "C" {
 
 // Stores a finished call as new and shows it when it was missed or forwarded.
 // 0: stored. -1: refused, because the configuration value "HistorySavedSwitch" is not 1, because
-// the type is not 1 to 4, or because it is a missed call of an account that keeps no missed calls.
+// the type is not 1 to 4, because it is a missed call of an account that keeps no missed calls, or
+// because there is no memory for it.
 CALLLOG_EXPORT int CallLog_AddLog(const CallLogAddItemData& call);
 
-// Gives every stored call of a contact's numbers the contact's name. Always 1.
+// Gives every stored call of a contact's numbers the contact's name. 1; 0 when memory ran out on
+// the way.
 CALLLOG_EXPORT int CallLog_UpdateLog(const CallLogUpdateData& contact);
 
-// Forgets every contact's name: each stored call shows its number again. Always 1.
+// Forgets every contact's name: each stored call shows its number again. 1; 0 when memory ran out
+// on the way.
 CALLLOG_EXPORT int CallLog_ResetLogContactName();
 
 // Fills one page of the calls whose number, or name spelled on the key pad, begins with `key` (when
@@ -65,7 +70,7 @@ CALLLOG_EXPORT int CallLog_IsOtherLocalCallLogConfigured();
 // start-up. Item 0x28 reloads the sources of the server call logs, sets the title of their menu
 // entry, sends 0x914 to the application and replies 1. Item 0x47 goes to the local history as the
 // click action "OpenCallLogPage(local_contact_1)", without a reply. Nothing unregisters it.
-// Always 1.
+// 1; 0 when there is no memory for it.
 CALLLOG_EXPORT int CallLog_RegisterMessage();
 
 }  // extern "C"

@@ -25,7 +25,7 @@ class CCallLogSearchHelper;
 class CCallLogController {
  public:
   // The controller. The first call creates it, loads the history file and registers for message
-  // 0x8113.
+  // 0x8113. Null when there is no memory for it; the next call tries again.
   CALLLOG_EXPORT static CCallLogController* GetInstance();
 
   // Destroys the controller and the history in memory, without saving: call SaveToFile() first to
@@ -85,7 +85,8 @@ class CCallLogController {
 
   // Writes the history file now if anything changed since the last save. 1 when it was written,
   // also when the disk refused it (nothing reports that); 0 when there was nothing to write, or no
-  // memory to write it with: the file stays as it was, and the save is tried again 5 seconds later.
+  // memory to write it with: the file stays as it was, and the save is tried again 5 seconds later,
+  // or after the next change when no timer was to be had either.
   CALLLOG_EXPORT int SaveToFile();
 
   // As CallLog_Search, CallLog_SearchRecentOutCall and CallLog_SuperSearchRecentOutCall.

@@ -6,5 +6,5 @@ enum BACK_LIGHT_TYPE {
 };
 
 // Registers or withdraws a reason to light the display. Registering one that is registered already
-// is allowed and happens often.
+// is allowed and happens often. Never throws.
 void backlight_RegisterEvent(BACK_LIGHT_TYPE type, bool on);

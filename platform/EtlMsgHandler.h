@@ -15,7 +15,7 @@ class msgObject {
   int lParam = 0;            // second parameter
 
   // Answers the sender. At most one answer counts, the first; without a waiting sender it is
-  // dropped.
+  // dropped. Never throws.
   void ReplyMessage(int result);
 };
 

@@ -9,7 +9,7 @@ enum LAMP_EVENTTYPE {
 };
 
 // Switches an event on or off; the LED is lit while any event is on. Posting an event that is
-// already in the wanted state is allowed and happens often.
+// already in the wanted state is allowed and happens often. Never throws.
 void ledlamp_PostEvent(LAMP_EVENTTYPE event, bool on);
 
 }  // namespace ledlamp

@@ -80,8 +80,10 @@ class CNetworkFileAction : public CFileAction {
 NS_TA::CNetworkFileAction* TaskAction_CreateNetworkFileAction(const char* localPath,
                                                               const char* remoteUrl);
 
-// Starts the action. True when it was taken on; false when it was refused (no completion follows).
+// Starts the action. True when it was taken on; false when it was refused (no completion follows),
+// also for want of memory: never throws.
 bool TaskAction_ExecAction(NS_TA::CTaskAction* action);
 
-// Releases the action; null is allowed. One that still runs is stopped and never calls back.
+// Releases the action; null is allowed. One that still runs is stopped and never calls back. Never
+// throws.
 void TaskAction_DestroyNetworkFileAction(NS_TA::CNetworkFileAction* action);

@@ -6,6 +6,7 @@
 #include "Desktop.h"
 #include "LedLamp.h"
 #include "MenuTitle.h"
+#include "Quietly.h"
 #include "Text.h"
 
 using desk::Desktop;
@@ -13,12 +14,14 @@ using desk::Desktop;
 namespace {
 
 void Switch(std::set<int>& events, int event, bool on, const char* name) {
-  if (on) {
-    events.insert(event);
-  } else {
-    events.erase(event);
-  }
-  Desktop::Current().journal.Add(desk::Format("%s %d %s", name, event, on ? "on" : "off"));
+  desk::Quietly([&] {
+    if (on) {
+      events.insert(event);
+    } else {
+      events.erase(event);
+    }
+    Desktop::Current().journal.Add(desk::Format("%s %d %s", name, event, on ? "on" : "off"));
+  });
 }
 
 class DesktopMenuTitleManager : public NS_MENU::CMenuTitleManager {};

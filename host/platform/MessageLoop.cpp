@@ -6,6 +6,7 @@
 
 #include "Desktop.h"
 #include "Journal.h"
+#include "Quietly.h"
 #include "Text.h"
 
 namespace desk {
@@ -93,8 +94,8 @@ std::optional<int> MessageLoop::Send(const Message& message) {
 }
 
 void MessageLoop::Reply(const ETL_MsgQueueHelper::msgObject& msg, int result) {
-  journal_.Add(Format("reply %d to 0x%x", result, msg.message));
   if (&msg == current_ && !reply_) reply_ = result;
+  journal_.Add(Format("reply %d to 0x%x", result, msg.message));
 }
 
 void MessageLoop::NotifyApp(Message message) {
@@ -122,7 +123,7 @@ std::vector<Message> MessageLoop::TakeAppMessages() {
 }  // namespace desk
 
 void ETL_MsgQueueHelper::msgObject::ReplyMessage(int result) {
-  desk::Desktop::Current().loop.Reply(*this, result);
+  desk::Quietly([&] { desk::Desktop::Current().loop.Reply(*this, result); });
 }
 
 bool EtlMsgHandler_RegisterMsgHandle(unsigned int first, unsigned int last, EtlMsgHandle handle) {

@@ -2,6 +2,7 @@
 #include "TaskAction.h"
 
 #include "EtlMsgHandler.h"
+#include "Quietly.h"
 #include "Transfer.h"
 
 using desk::Transfer;
@@ -61,7 +62,10 @@ NS_TA::CNetworkFileAction* TaskAction_CreateNetworkFileAction(const char* localP
 
 bool TaskAction_ExecAction(NS_TA::CTaskAction* action) {
   TransferService* const service = TransferService::Current();
-  return service != nullptr && action != nullptr && service->Start(*static_cast<Transfer*>(action));
+  if (service == nullptr || action == nullptr) return false;
+  bool started = false;
+  desk::Quietly([&] { started = service->Start(*static_cast<Transfer*>(action)); });
+  return started;
 }
 
 void TaskAction_DestroyNetworkFileAction(NS_TA::CNetworkFileAction* action) {

@@ -6,6 +6,7 @@
 #include "Desktop.h"
 #include "Journal.h"
 #include "MessageLoop.h"
+#include "Quietly.h"
 #include "Text.h"
 #include "ThreadTimer.h"
 
@@ -27,8 +28,9 @@ bool ThreadTimers::Set(unsigned int id, Milliseconds delay) {
 }
 
 bool ThreadTimers::Kill(unsigned int id) {
+  const bool runs = due_.erase(id) > 0;
   journal_.Add(Format("timer %u kill", id));
-  return due_.erase(id) > 0;
+  return runs;
 }
 
 std::optional<Milliseconds> ThreadTimers::NextDue() const {
@@ -49,7 +51,14 @@ void ThreadTimers::FireDue() {
 }  // namespace desk
 
 bool timerSetThreadTimer(unsigned int id, unsigned int milliseconds) {
-  return desk::Desktop::Current().timers.Set(id, desk::Milliseconds(milliseconds));
+  bool started = false;
+  desk::Quietly(
+      [&] { started = desk::Desktop::Current().timers.Set(id, desk::Milliseconds(milliseconds)); });
+  return started;
 }
 
-bool timerKillThreadTimer(unsigned int id) { return desk::Desktop::Current().timers.Kill(id); }
+bool timerKillThreadTimer(unsigned int id) {
+  bool killed = false;
+  desk::Quietly([&] { killed = desk::Desktop::Current().timers.Kill(id); });
+  return killed;
+}

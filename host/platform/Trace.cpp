@@ -4,6 +4,7 @@
 #include "Desktop.h"
 #include "EtlTrace.h"
 #include "Journal.h"
+#include "Quietly.h"
 #include "Text.h"
 
 namespace desk {
@@ -28,7 +29,7 @@ bool Trace::SetFile(const std::filesystem::path& file) {
 void ETL_TraceHelper::etlTrace(int level, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  const std::string text = desk::FormatV(format, arguments);
+  desk::Quietly(
+      [&] { desk::Desktop::Current().trace.Write(level, desk::FormatV(format, arguments)); });
   va_end(arguments);
-  desk::Desktop::Current().trace.Write(level, text);
 }

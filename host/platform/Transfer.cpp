@@ -34,12 +34,12 @@ Transfer* TransferService::Create(const char* localPath, const char* remoteUrl) 
   if (localPath == nullptr || *localPath == '\0' || remoteUrl == nullptr) return nullptr;
   auto url = SplitUrl(remoteUrl);
   if (!url) return nullptr;
-  auto& transfer = *transfers_.emplace_back(std::make_unique<Transfer>());
-  transfer.id = ++lastId_;
-  transfer.localPath = localPath;
-  transfer.remoteUrl = remoteUrl;
-  transfer.url = *std::move(url);
-  return &transfer;
+  auto transfer = std::make_unique<Transfer>();
+  transfer->id = ++lastId_;
+  transfer->localPath = localPath;
+  transfer->remoteUrl = remoteUrl;
+  transfer->url = *std::move(url);
+  return transfers_.emplace_back(std::move(transfer)).get();
 }
 
 bool TransferService::Start(Transfer& transfer) {
@@ -48,13 +48,14 @@ bool TransferService::Start(Transfer& transfer) {
     thread_ = std::make_unique<TransferThread>(
         limits_, [this](unsigned int id) { loop_.PostWork([this, id] { OnEnded(id); }); });
   }
-  transfer.download = std::make_shared<Download>();
-  transfer.download->id = transfer.id;
-  transfer.download->target = transfer.localPath;
-  transfer.download->url = transfer.url;
-  const std::future<void> ended = transfer.download->ended.get_future();
+  const auto download = std::make_shared<Download>();
+  download->id = transfer.id;
+  download->target = transfer.localPath;
+  download->url = transfer.url;
+  const std::future<void> ended = download->ended.get_future();
+  thread_->Start(download);
+  transfer.download = download;
   transfer.state = Transfer::State::kRunning;
-  thread_->Start(transfer.download);
   if (transfer.sync) ended.wait();
   return true;
 }

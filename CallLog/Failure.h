@@ -1,0 +1,41 @@
+// The module's boundary towards a process that must not die: whatever goes wrong inside becomes
+// the result that stands for a failure.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace NS_CALLLOG {
+
+// What `operation` gives; `failure` when it ends with an exception, which here means that memory
+// ran out.
+template <class Result, class Operation>
+Result OrFailure(Result failure, const Operation& operation) noexcept {
+  try {
+    return operation();
+  } catch (const std::exception&) {
+    return failure;
+  }
+}
+
+template <class Operation>
+void IgnoreFailure(const Operation& operation) noexcept {
+  try {
+    operation();
+  } catch (const std::exception&) {
+  }
+}
+
+// What an operation of the model gives; `failure` also when there is no model.
+template <class Result, class Model, class Operation, class... Arguments>
+Result Ask(const std::unique_ptr<Model>& model, Result failure, Operation operation,
+           Arguments&&... arguments) noexcept {
+  if (model == nullptr) return failure;
+  return OrFailure(std::move(failure), [&]() -> Result {
+    return std::invoke(operation, *model, std::forward<Arguments>(arguments)...);
+  });
+}
+
+}  // namespace NS_CALLLOG
