@@ -12,6 +12,7 @@
 #include <new>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "XmlChars.h"
 #include "XmlEncoding.h"
@@ -35,26 +36,6 @@ class FileDescriptor {
  private:
   int fd_;
 };
-
-// Reads a regular file that may be XML; a big one that is something else is left at its start. A
-// history of 2 GiB would not fit into the phone that writes it.
-bool ReadXmlBytes(const std::string& path, std::string* bytes) {
-  const FileDescriptor file(path);
-  struct stat status {};
-  if (file.get() < 0 || fstat(file.get(), &status) != 0) return false;
-  if (!S_ISREG(status.st_mode) || status.st_size >= INT_MAX) return false;
-  std::array<char, 4096> chunk;
-  for (;;) {
-    const ssize_t count = read(file.get(), chunk.data(), chunk.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    const std::string_view text(chunk.data(), static_cast<std::size_t>(count));
-    if (bytes->empty() && text.find('<') == std::string_view::npos) return false;
-    const bool hole = text.find_first_not_of('\0') == std::string_view::npos;
-    if (hole) return true;  // the end, or what a file system leaves behind it after a power cut
-    bytes->append(text);
-  }
-}
 
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -298,30 +279,49 @@ std::size_t PlainXmlWriter::ReferenceLength(char32_t* character) const {
   return end + 1;
 }
 
-bool LoadChecked(TiXmlDocument* document, const std::string& path) {
-  std::string plain;
-  {
-    std::string bytes;
-    if (!ReadXmlBytes(path, &bytes)) return false;
-    DecodeSingleByteXml(&bytes);
-    if (!ToPlainXml(bytes, &plain)) return false;
-  }
-  if (plain.empty()) return true;
-  document->SetTabSize(0);  // rows and columns are of no use here and cost time
-  document->Parse(plain.c_str(), nullptr, TIXML_ENCODING_UTF8);
-  return !document->Error();
-}
-
 }  // namespace
+
+// A big file that is something else is left at its start. A history of 2 GiB would not fit into the
+// phone that writes it.
+bool ReadXmlFile(const std::string& path, std::string* bytes) {
+  const FileDescriptor file(path);
+  struct stat status {};
+  if (file.get() < 0 || fstat(file.get(), &status) != 0) return false;
+  errno = 0;
+  if (!S_ISREG(status.st_mode) || status.st_size >= INT_MAX) return false;
+  std::array<char, 4096> chunk;
+  for (;;) {
+    const ssize_t count = read(file.get(), chunk.data(), chunk.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    const std::string_view text(chunk.data(), static_cast<std::size_t>(count));
+    if (bytes->empty() && text.find('<') == std::string_view::npos) return false;
+    const bool hole = text.find_first_not_of('\0') == std::string_view::npos;
+    if (hole) return true;  // the end, or what a file system leaves behind it after a power cut
+    bytes->append(text);
+  }
+}
 
 bool ToPlainXml(const std::string& bytes, std::string* plain) {
   plain->reserve(bytes.size());
   return PlainXmlWriter(bytes, plain).Run();
 }
 
+bool ParseXml(TiXmlDocument* document, std::string bytes) {
+  std::string plain;
+  DecodeSingleByteXml(&bytes);
+  if (!ToPlainXml(bytes, &plain)) return false;
+  if (plain.empty()) return true;
+  std::string().swap(bytes);
+  document->SetTabSize(0);  // rows and columns are of no use here and cost time
+  document->Parse(plain.c_str(), nullptr, TIXML_ENCODING_UTF8);
+  return !document->Error();
+}
+
 bool LoadXmlFile(TiXmlDocument* document, const std::string& path) {
   try {
-    return LoadChecked(document, path);
+    std::string bytes;
+    return ReadXmlFile(path, &bytes) && ParseXml(document, std::move(bytes));
   } catch (const std::bad_alloc&) {
     return false;
   } catch (const std::length_error&) {

@@ -19,6 +19,12 @@ inline constexpr int kMaxXmlAttributes = 64;
 // ISO-8859-1 or windows-1252. Malformed UTF-8 and characters that XML forbids arrive as U+FFFD.
 bool LoadXmlFile(TiXmlDocument* document, const std::string& path);
 
+// Its two steps, for whoever needs the bytes as well; out of memory they throw. The first is false
+// for a file that cannot be read, errno telling why, and with errno 0 for what is no XML: no
+// regular file, none with a "<" in its first 4096 bytes.
+bool ReadXmlFile(const std::string& path, std::string* bytes);
+bool ParseXml(TiXmlDocument* document, std::string bytes);
+
 // Turns the bytes of a document into what TinyXML can be handed safely: UTF-8, elements, attributes
 // and text alone, within the limits. False when the document cannot be loaded. `plain` is empty
 // when the document has no element.
