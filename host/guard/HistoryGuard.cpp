@@ -28,6 +28,11 @@ bool Exists(const std::string& path) {
   return lstat(path.c_str(), &status) == 0;
 }
 
+bool IsLink(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
 bool IsDirectory(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
@@ -91,8 +96,8 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
   counts_ = false;
   std::remove(new_.c_str());
   Outcome outcome = TakeUpHeld();
+  const File good = ReadGood();
   File history = ReadHistory();
-  const File good = Read(good_);
   bool lent = false;  // without room for a second copy the good one itself is what the module loads
   if (history.state != State::kComplete && good.state == State::kComplete) {
     outcome = Outcome::kPutBack;
@@ -100,7 +105,7 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
     lent = !Replace(history_, good.bytes) && Move(good_, history_);
     history = good;
   } else if (history.state != State::kComplete) {
-    outcome = BeginAnew(history, good, outcome);
+    outcome = BeginAnew(history.state, good.state, outcome);
   }
 
   bool loaded = false;
@@ -136,26 +141,19 @@ HistoryGuard::Outcome HistoryGuard::TakeUpHeld() const {
 }
 
 // No file is complete. What may become readable again is held, once; what is damaged is set aside.
-HistoryGuard::Outcome HistoryGuard::BeginAnew(const File& history, const File& good,
-                                              Outcome outcome) const {
+HistoryGuard::Outcome HistoryGuard::BeginAnew(State history, State good, Outcome outcome) const {
   if (!IsDirectory(directory_)) return Outcome::kHeld;
-  if (history.state == State::kUnreadable) {
+  if (history == State::kUnreadable) {
     Move(history_, held_);
     return Outcome::kHeld;
   }
-  if (history.state == State::kDamaged) {
-    SetAside(history_);
-    outcome = Outcome::kSetAside;
-  }
-  if (good.state == State::kUnreadable) {
+  if (history == State::kDamaged) SetAside(history_);
+  if (good == State::kUnreadable) {
     Move(good_, held_);
     return Outcome::kHeld;
   }
-  if (good.state == State::kDamaged) {
-    SetAside(good_);
-    outcome = Outcome::kSetAside;
-  }
-  return outcome;
+  const bool damaged = history == State::kDamaged || good == State::kDamaged;
+  return damaged ? Outcome::kSetAside : outcome;
 }
 
 // Makes the complete history file the good copy: by a copy, else, for which no room is needed, by
@@ -197,6 +195,14 @@ bool HistoryGuard::Move(const std::string& from, const std::string& to) const {
     return true;
   }
   return false;
+}
+
+// A good copy that is damaged, or no file of its own, is none; it would also be in the way.
+HistoryGuard::File HistoryGuard::ReadGood() const {
+  File file = Read(good_);
+  if (IsLink(good_)) file = {State::kDamaged, {}, 0};
+  if (file.state == State::kDamaged) SetAside(good_);
+  return file;
 }
 
 // The good copy under both names would be lost with the next save.
@@ -241,7 +247,8 @@ const char* Describe(HistoryGuard::Outcome outcome) {
   switch (outcome) {
     case Outcome::kGood: break;
     case Outcome::kPutBack:
-      return "the history file was missing or damaged; the last good copy is in its place";
+      return "the last good copy of the history is back in its place; what stood there is set "
+             "aside";
     case Outcome::kSetAside:
       return "the history file was damaged and has no good copy; it is set aside, and the history "
              "begins anew";

@@ -82,9 +82,10 @@ class HistoryGuard {
 
   static File Read(const std::string& path);
   static File ReadOnce(const std::string& path);
+  File ReadGood() const;
   File ReadHistory() const;
   Outcome TakeUpHeld() const;
-  Outcome BeginAnew(const File& history, const File& good, Outcome outcome) const;
+  Outcome BeginAnew(State history, State good, Outcome outcome) const;
   bool Keep(const std::string& bytes) const;
   bool SetAside(const std::string& path) const;
   bool Replace(const std::string& path, const std::string& bytes) const;

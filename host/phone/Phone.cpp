@@ -8,6 +8,10 @@
 #include "Text.h"
 
 namespace desk {
+
+using NS_CALLLOG::CBSCallLogController;
+using NS_CALLLOG::CCallLogController;
+
 namespace {
 
 constexpr unsigned int kDownloaded = 0x913;
@@ -22,22 +26,30 @@ std::string Describe(const Message& message) {
                 message.wParam, message.lParam);
 }
 
-}  // namespace
+// Loads the history, and tells how many calls it has.
+int StartHistory() {
+  CCallLogController::ReleaseInstance();
+  CallLogSimpleListData page;
+  page.request_count = 1;
+  CCallLogController::GetInstance()->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
+  return page.total;
+}
 
-using NS_CALLLOG::CBSCallLogController;
-using NS_CALLLOG::CCallLogController;
+}  // namespace
 
 Phone::Phone(const std::filesystem::path& root, const Profile& profile,
              std::unique_ptr<Clock> clock, std::ostream& out)
-    : root_(root), out_(out), platform_(profile, std::move(clock)) {
+    : root_(root), out_(out), platform_(profile, std::move(clock)), guard_(HistoryFile()) {
   platform_.loop.SetObserver(
       [this](const Message& message, int result) { OnHandled(message, result); });
   if (platform_.manualClock() != nullptr) platform_.transfers.Hold();
   PowerOn();
+  ReportGuard();
 }
 
 Phone::~Phone() {
-  CCallLogController::GetInstance()->SaveToFile();
+  Save();
+  ReportGuard();
   CBSCallLogController::ReleaseInstance();
   CCallLogController::ReleaseInstance();
 }
@@ -45,7 +57,7 @@ Phone::~Phone() {
 // As a UI process starts: the handler first, then the history.
 void Phone::PowerOn() {
   CallLog_RegisterMessage();
-  CCallLogController::GetInstance();
+  NoteGuard(guard_.Start(StartHistory));
 }
 
 void Phone::PowerCycle() {
@@ -58,7 +70,24 @@ void Phone::PowerCycle() {
 }
 
 void Phone::OnHandled(const Message& message, int result) {
-  if (message.message == ThreadTimers::kTimerMessage && result == 1) saved_ = true;
+  if (message.message != ThreadTimers::kTimerMessage || result != 1) return;
+  saved_ = true;
+  NoteGuard(guard_.AfterSave());
+}
+
+bool Phone::Save() {
+  if (CCallLogController::GetInstance()->SaveToFile() != 1) return false;
+  NoteGuard(guard_.AfterSave());
+  return true;
+}
+
+void Phone::NoteGuard(HistoryGuard::Outcome outcome) {
+  if (outcome != HistoryGuard::Outcome::kGood) guardNotes_.emplace_back(Describe(outcome));
+}
+
+void Phone::ReportGuard() {
+  for (const std::string& note : guardNotes_) out_ << "  * " << note << "\n";
+  guardNotes_.clear();
 }
 
 void Phone::Wait(Milliseconds span) {
@@ -88,7 +117,8 @@ void Phone::AwaitTransfers() {
 }
 
 bool Phone::HasChanges() const {
-  return saved_ || !(platform_.display == shown_) || platform_.loop.HasAppMessages();
+  return saved_ || !guardNotes_.empty() || !(platform_.display == shown_) ||
+         platform_.loop.HasAppMessages();
 }
 
 void Phone::ReportChanges() {
@@ -103,6 +133,7 @@ void Phone::ReportChanges() {
     out_ << "  * history saved: " << (error ? error.message() : std::to_string(size) + " bytes")
          << "\n";
   }
+  ReportGuard();
   for (const Message& message : platform_.loop.TakeAppMessages()) {
     out_ << "  * " << Describe(message) << "\n";
   }

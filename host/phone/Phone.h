@@ -5,8 +5,11 @@
 #include <filesystem>
 #include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "Desktop.h"
+#include "HistoryGuard.h"
 #include "LogServer.h"
 #include "RootDirectory.h"
 
@@ -23,6 +26,9 @@ class Phone {
   // What a cut of the power does: nothing is saved. Then the phone starts again.
   void PowerCycle();
 
+  // Saves what has changed, as before a planned restart. False when there was nothing to save.
+  bool Save();
+
   // Lets time pass: at once with a manual clock, really otherwise.
   void Wait(Milliseconds span);
 
@@ -32,8 +38,8 @@ class Phone {
   // Starts a log server with these documents in this process, and sets up sources for them.
   void ServeDocuments(const std::filesystem::path& directory);
 
-  // Prints what has changed by itself since the last time: the idle screen, a save, an application
-  // message.
+  // Prints what has changed by itself since the last time: the idle screen, a save, what the guard
+  // of the history had to do, an application message.
   void ReportChanges();
   bool HasChanges() const;
 
@@ -49,12 +55,16 @@ class Phone {
 
  private:
   void PowerOn();
+  void NoteGuard(HistoryGuard::Outcome outcome);
+  void ReportGuard();
   void OnHandled(const Message& message, int result);
 
   RootDirectory root_;
   std::unique_ptr<LogServer> logServer_;
   std::ostream& out_;
   Desktop platform_;
+  HistoryGuard guard_;
+  std::vector<std::string> guardNotes_;  // what the guard did and nobody has been told
   Display shown_;
   bool saved_ = false;
 };

@@ -71,8 +71,7 @@ void Network(Phone& phone, Arguments& arguments) {
 
 void Save(Phone& phone, Arguments& arguments) {
   arguments.Done();
-  const int saved = NS_CALLLOG::CCallLogController::GetInstance()->SaveToFile();
-  phone.out() << (saved == 1 ? "  saved\n" : "  nothing to save\n");
+  phone.out() << (phone.Save() ? "  saved\n" : "  nothing to save\n");
 }
 
 void ShowFile(Phone& phone, Arguments& arguments) {
