@@ -67,6 +67,15 @@ bool WriteAll(int fd, const std::string& bytes) {
   return true;
 }
 
+// A new file under this name, on the disk when it answers true.
+bool Write(const std::string& path, const std::string& bytes) {
+  std::remove(path.c_str());
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (fd < 0) return false;
+  const bool written = WriteAll(fd, bytes) && fsync(fd) == 0;
+  return close(fd) == 0 && written;
+}
+
 // How many records the module keeps of these: a hundred of each type.
 int CountRecords(const TiXmlElement& root) {
   constexpr int kMaxPerType = 100;
@@ -98,11 +107,12 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
   Outcome outcome = TakeUpHeld();
   const File good = ReadGood();
   File history = ReadHistory();
-  bool lent = false;  // without room for a second copy the good one itself is what the module loads
+  bool lent = false;  // without room for a second copy the module loads the good one itself
   if (history.state != State::kComplete && good.state == State::kComplete) {
     outcome = Outcome::kPutBack;
     SetAside(history_);
-    lent = !Replace(history_, good.bytes) && Move(good_, history_);
+    const bool copied = Replace(history_, good.bytes) || Write(history_, good.bytes);
+    lent = !copied && Move(good_, history_);
     history = good;
   } else if (history.state != State::kComplete) {
     outcome = BeginAnew(history.state, good.state, outcome);
@@ -176,13 +186,8 @@ bool HistoryGuard::SetAside(const std::string& path) const {
   return Move(path, newerAside_);
 }
 
-// A file that was not synced is not worth its name; the next try writes another.
 bool HistoryGuard::Replace(const std::string& path, const std::string& bytes) const {
-  std::remove(new_.c_str());
-  const int fd = open(new_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (fd < 0) return false;
-  const bool written = WriteAll(fd, bytes) && fsync(fd) == 0;
-  if (close(fd) == 0 && written && Move(new_, path)) return true;
+  if (Write(new_, bytes) && Move(new_, path)) return true;
   std::remove(new_.c_str());
   return false;
 }

@@ -1,0 +1,357 @@
+// The guard of the history file, with the module that it guards: files in every state, saves and
+// loads that fail, and what of 399 calls is there after the next start.
+#include "HistoryGuard.h"
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+
+#include "PhoneTest.h"
+#include "PlainModel.h"
+
+namespace desk {
+
+using Outcome = HistoryGuard::Outcome;
+
+void PrintTo(Outcome outcome, std::ostream* out) {
+  *out << (outcome == Outcome::kGood ? "kGood" : Describe(outcome));
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+using NS_CALLLOG::CCallLogController;
+
+// Lets everything that needs the resource fail while it lives: RLIMIT_FSIZE each write,
+// RLIMIT_NOFILE each open.
+class Without {
+ public:
+  explicit Without(__rlimit_resource resource) : resource_(resource) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    getrlimit(resource_, &before_);
+    const rlimit none = {0, before_.rlim_max};
+    setrlimit(resource_, &none);
+  }
+  ~Without() { setrlimit(resource_, &before_); }
+  Without(const Without&) = delete;
+  Without& operator=(const Without&) = delete;
+
+ private:
+  const __rlimit_resource resource_;
+  rlimit before_{};
+};
+
+class HistoryGuardTest : public PhoneTest {
+ protected:
+  // What stands in config/data/: for each ending of "call_data.xml" the calls in the file, -1 for
+  // what is no file.
+  using Files = std::map<std::string, int>;
+
+  static constexpr int kCalls = 399;  // a hundred of each type, but one
+
+  HistoryGuardTest() {
+    PlainCalls calls;
+    for (int i = 0; i < kCalls; ++i) {
+      PlainCall& call = calls.emplace_back();
+      call.type = 1 + i % 4;
+      call.born_tick = kNow - i;
+      call.remote_sip_name = std::to_string(i);
+    }
+    whole = FileText(calls);
+  }
+
+  fs::path Beside(const std::string& ending) const { return HistoryFile().string() + ending; }
+  fs::path Good() const { return Beside(".good"); }
+
+  Files Found() const {
+    Files found;
+    for (const auto& entry : fs::directory_iterator(HistoryFile().parent_path())) {
+      const bool isFile = fs::is_regular_file(entry.symlink_status());
+      const std::string text = isFile ? ReadFile(entry.path()) : "";
+      int calls = isFile ? 0 : -1;
+      for (auto at = text.find("<item"); at != text.npos; at = text.find("<item", at + 1)) ++calls;
+      found[entry.path().filename().string().substr(HistoryFile().filename().string().size())] =
+          calls;
+    }
+    return found;
+  }
+
+  // The whole directory anew: the history file and its good copy, where there is one.
+  void Lay(const std::optional<std::string>& history, const std::optional<std::string>& good) {
+    fs::remove_all(HistoryFile().parent_path());
+    fs::create_directory(HistoryFile().parent_path());
+    if (history) WriteFile(HistoryFile(), *history);
+    if (good) WriteFile(Good(), *good);
+  }
+
+  static int Size() {
+    CallLogSimpleListData page;
+    page.request_count = 1;
+    Controller().GetLogListByClickAction(&page, Action(0));
+    return page.total;
+  }
+
+  static int StartModule() {
+    CCallLogController::ReleaseInstance();
+    return Size();
+  }
+
+  // The power is cut, and a new process starts.
+  Outcome Start(const HistoryGuard::ModuleStart& startModule = StartModule) {
+    CCallLogController::ReleaseInstance();
+    desktop->PowerCycle();
+    guard.emplace(HistoryFile());
+    return guard->Start(startModule);
+  }
+
+  Outcome StartWithout(__rlimit_resource resource) {
+    const Without without(resource);
+    return Start();
+  }
+
+  static void Save() {
+    Add(4, "77");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+  }
+
+  Outcome SaveAndTell() {
+    Save();
+    return guard->AfterSave();
+  }
+
+  // The next call is saved, and is there after the next start with all that is there now.
+  void ExpectGoesOn() {
+    const int size = Size();
+    EXPECT_EQ(SaveAndTell(), Outcome::kGood);
+    EXPECT_EQ(ReadFile(Good()), ReadFile(HistoryFile()));
+    EXPECT_FALSE(fs::equivalent(Good(), HistoryFile()));
+    EXPECT_EQ(Start(), Outcome::kGood);
+    EXPECT_EQ(Size(), size + 1);
+  }
+
+  std::string whole;
+  std::optional<HistoryGuard> guard;
+};
+
+TEST_F(HistoryGuardTest, SaysNothingWithoutTrouble) {
+  EXPECT_EQ(Start(), Outcome::kGood);
+  EXPECT_EQ(Found(), Files());
+  Lay(whole, {});
+  WriteFile(Beside(".good.new"), whole.substr(0, 1000));
+  EXPECT_EQ(Start(), Outcome::kGood);
+  EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}}));
+  ExpectGoesOn();
+  Save();
+  EXPECT_EQ(Start(), Outcome::kGood) << "the power went before the guard was told";
+  EXPECT_EQ(ReadFile(Good()), ReadFile(HistoryFile()));
+  Controller().RemoveAllLogsByClickAction(Action(0));
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  EXPECT_EQ(guard->AfterSave(), Outcome::kGood);
+  EXPECT_EQ(Start(), Outcome::kGood);
+  EXPECT_EQ(Found(), (Files{{"", 0}, {".good", 0}})) << "the user wanted it empty";
+
+  std::string items;
+  for (int i = 0; i < 150; ++i) items += i < 145 ? "<item type='2'/>" : "<item type='77'/>";
+  Lay("<root_call_log>" + items + "</root_call_log>", {});
+  EXPECT_EQ(Start(), Outcome::kGood);
+  EXPECT_EQ(Size(), 105) << "the module keeps a hundred of a type";
+  ExpectGoesOn();
+}
+
+TEST_F(HistoryGuardTest, PutsTheGoodCopyBack) {
+  const fs::path file = HistoryFile();
+  const auto link = [&](const char* to) { return [=] { fs::create_symlink(to, file); }; };
+  const auto bytes = [&](const std::string& text) { return [=] { WriteFile(file, text); }; };
+  const struct {
+    const char* what;
+    std::function<void()> make;
+    int aside;
+  } rows[] = {
+      {"nothing", [] {}, -2},
+      {"empty", bytes(""), 0},
+      {"cut", bytes(whole.substr(0, whole.size() - 20)), kCalls},
+      {"another root", bytes("<calls><item/></calls>"), 1},
+      {"directory", [&] { fs::create_directories(file / "a"); }, -1},
+      {"FIFO", [&] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); }, -1},
+      {"link to nothing", link("nothing"), -1},
+      {"link to itself", link("call_data.xml"), -1},
+      {"link to the good copy", link("call_data.xml.good"), -1},
+      {"the good copy itself", [&] { fs::create_hard_link(Good(), file); }, kCalls},
+  };
+  for (const auto& row : rows) {
+    for (const bool room : {true, false}) {
+      SCOPED_TRACE(std::string(row.what) + (room ? "" : ", without room"));
+      Lay({}, whole);
+      row.make();
+      EXPECT_EQ(room ? Start() : StartWithout(RLIMIT_FSIZE), Outcome::kPutBack);
+      EXPECT_EQ(Size(), kCalls);
+      Files expected = {{".good", kCalls}};
+      if (room) expected[""] = kCalls;
+      if (row.aside > -2) expected[".aside-1"] = row.aside;
+      EXPECT_EQ(Found(), expected);
+      if (!room) {
+        {
+          const Without without(RLIMIT_FSIZE);
+          Add(4, "1");
+          Controller().SaveToFile();
+        }
+        EXPECT_EQ(guard->AfterSave(), Outcome::kIncomplete);
+        EXPECT_EQ(Start(), Outcome::kPutBack);
+        EXPECT_EQ(Size(), kCalls);
+      }
+      ExpectGoesOn();
+    }
+  }
+}
+
+TEST_F(HistoryGuardTest, FindsEveryCut) {
+  const std::string text = "<root_call_log><item type='1'/><item type='2'/></root_call_log>\n";
+  for (std::size_t length = 0; length + 1 < text.size(); ++length) {
+    SCOPED_TRACE(length);
+    Lay(text.substr(0, length), text);
+    EXPECT_EQ(Start(), Outcome::kPutBack);
+    EXPECT_EQ(Size(), 2);
+    EXPECT_EQ(ReadFile(HistoryFile()), text);
+    Lay(text, text.substr(0, length));
+    EXPECT_EQ(Start(), Outcome::kGood);
+    EXPECT_EQ(ReadFile(Good()), text);
+  }
+}
+
+TEST_F(HistoryGuardTest, BeginsAnewWhereNothingIsComplete) {
+  Lay("<cut", "<broken");
+  EXPECT_EQ(Start(), Outcome::kSetAside);
+  EXPECT_EQ(ReadFile(Beside(".aside-1")), "<cut");
+  EXPECT_EQ(ReadFile(Beside(".aside-2")), "<broken");
+  EXPECT_EQ(Size(), 0);
+  ExpectGoesOn();
+
+  // The oldest goes, be it what it may.
+  Lay({}, whole);
+  fs::create_directories(HistoryFile() / "first");
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  for (const char* text : {"<second", "<third"}) {
+    WriteFile(HistoryFile(), text);
+    EXPECT_EQ(Start(), Outcome::kPutBack);
+  }
+  EXPECT_EQ(Found().size(), 4u);
+  EXPECT_EQ(ReadFile(Beside(".aside-1")), "<third");
+  EXPECT_EQ(ReadFile(Beside(".aside-2")), "<second");
+
+  // A good copy that is a link to the history file is none.
+  Lay(whole, {});
+  fs::create_symlink(HistoryFile(), Good());
+  EXPECT_EQ(Start(), Outcome::kGood);
+  ExpectGoesOn();
+}
+
+TEST_F(HistoryGuardTest, StartsTheModuleAgainThatLoadedTooLittle) {
+  int failures = 2;
+  const auto startModule = [&] {
+    if (failures-- <= 0) return StartModule();
+    const Without without(RLIMIT_NOFILE);
+    return StartModule();
+  };
+  Lay(whole, {});
+  EXPECT_EQ(Start(startModule), Outcome::kGood);
+  EXPECT_EQ(Size(), kCalls);
+  ExpectGoesOn();
+
+  for (const bool told : {true, false}) {
+    Lay(whole, {});
+    for (int run = 0; run < 2; ++run) {
+      failures = 3;
+      EXPECT_EQ(Start(startModule), Outcome::kHeld);
+      Save();
+      if (told) {
+        EXPECT_EQ(guard->AfterSave(), Outcome::kNotCounted);
+      }
+      EXPECT_EQ(Found()[""], 1);
+      EXPECT_EQ(Found()[".held"], kCalls);
+    }
+    EXPECT_EQ(Start(), Outcome::kPutBack);
+    EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 1}, {".aside-2", 1}}));
+    EXPECT_EQ(Size(), kCalls);
+    ExpectGoesOn();
+  }
+  EXPECT_EQ(Start([] { return StartModule() - 1; }), Outcome::kHeld) << "one call is missing";
+}
+
+TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {
+  const std::optional<std::string> none;
+  for (const auto& [history, good] :
+       {std::pair(std::optional(whole), std::optional(whole)),
+        std::pair(std::optional(whole), none), std::pair(none, std::optional(whole))}) {
+    Lay(history, good);
+    EXPECT_EQ(StartWithout(RLIMIT_NOFILE), Outcome::kHeld);
+    EXPECT_EQ(SaveAndTell(), Outcome::kNotCounted);
+    EXPECT_EQ(Start(), Outcome::kPutBack);
+    EXPECT_EQ(Size(), kCalls);
+    ExpectGoesOn();
+  }
+  Lay("<root_call_log><item/></root_call_log>", whole);
+  WriteFile(Beside(".held"), "<");
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 0}, {".aside-2", 1}}));
+  ExpectGoesOn();
+
+  // Its directory is not there yet.
+  const fs::path directory = HistoryFile().parent_path();
+  const fs::path away = root.path() / "config/away";
+  Lay(whole, whole);
+  fs::rename(directory, away);
+  WriteFile(directory, "no directory");
+  EXPECT_EQ(Start(), Outcome::kHeld);
+  EXPECT_EQ(SaveAndTell(), Outcome::kIncomplete);
+  fs::remove(directory);
+  fs::rename(away, directory);
+  EXPECT_EQ(SaveAndTell(), Outcome::kNotCounted);
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Size(), kCalls);
+  ExpectGoesOn();
+}
+
+TEST_F(HistoryGuardTest, TakesNoFailedSaveForAGoodOne) {
+  Lay(whole, whole);
+  EXPECT_EQ(Start(), Outcome::kGood);
+  {
+    const Without without(RLIMIT_FSIZE);
+    Save();
+  }
+  EXPECT_EQ(guard->AfterSave(), Outcome::kIncomplete);
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Size(), kCalls);
+
+  // No room for a copy: the file becomes the good copy by its name.
+  Save();
+  {
+    const Without without(RLIMIT_FSIZE);
+    EXPECT_EQ(guard->AfterSave(), Outcome::kGood);
+  }
+  EXPECT_EQ(Found(), (Files{{".good", kCalls + 1}, {".aside-1", 0}}));
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Size(), kCalls + 1);
+
+  // No way at all.
+  fs::remove(Good());
+  fs::create_directories(Good() / "a");
+  EXPECT_EQ(SaveAndTell(), Outcome::kNotCopied);
+  EXPECT_EQ(Start(), Outcome::kGood);
+  EXPECT_EQ(Size(), kCalls + 1);
+  EXPECT_EQ(Found()[".good"], kCalls + 1);
+
+  // Without a start nothing counts.
+  guard.emplace(HistoryFile());
+  Controller().RemoveAllLogsByClickAction(Action(0));
+  EXPECT_EQ(SaveAndTell(), Outcome::kNotCounted);
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Size(), kCalls + 1);
+}
+
+}  // namespace
+}  // namespace desk
