@@ -1,5 +1,5 @@
 // The call history as one would explain it on paper: plain vectors, counted anew whenever somebody
-// asks, and the bytes of its file. It shares no code with the module; ModelTest drives both.
+// asks, and the bytes of its file. It shares no code with the module; ModelDriver drives both.
 #pragma once
 
 #include <utf8proc.h>
@@ -45,7 +45,7 @@ inline std::string KeptText(const std::string& string) {
   return text;
 }
 
-// How names and keys are compared. It knows the accented letters of ModelTest's names only.
+// How names and keys are compared. It knows the accented letters of ModelDriver's names only.
 inline std::string Folded(const std::string& text) {
   std::string folded;
   for (const auto& [bytes, c] : Letters(text)) {

@@ -13,7 +13,7 @@ namespace desk {
 
 using Strings = std::vector<std::string>;
 
-class ServerTest : public PhoneTest {
+class ServerTest : public virtual PhoneTest {
  protected:
   using Kind = Behaviour::Kind;
   static constexpr char kUser[] = "anna@example.org";
