@@ -1,5 +1,4 @@
 // Server call logs under load: many transfers at once, and documents as large as a server likes.
-#include <malloc.h>
 #include <sys/prctl.h>
 
 #include <algorithm>
@@ -7,10 +6,8 @@
 #include <functional>
 #include <random>
 
+#include "HeapInUse.h"
 #include "ServerTest.h"
-
-// AddressSanitizer brings an allocator of its own.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace desk {
 namespace {
@@ -19,13 +16,6 @@ using namespace NS_CALLLOG;
 
 class ServerLoadTest : public ServerTest {
  protected:
-  static std::size_t AllocatedBytes() {
-    if (__sanitizer_get_current_allocated_bytes != nullptr) {
-      return __sanitizer_get_current_allocated_bytes();
-    }
-    return mallinfo2().uordblks;
-  }
-
   static std::string Many(const std::string& text, std::size_t bytes) {
     std::string all;
     while (all.size() < bytes) all += text;
@@ -99,9 +89,9 @@ TEST_F(ServerLoadTest, FiftyTransfersAtOnce) {
     desktop->journal.Clear();
     page.Reset();
     EXPECT_EQ(Ask(kSources + 1, "", true), BS_LIST_NOT_CONFIGURED);
-    if (round == 1) before = AllocatedBytes();
+    if (round == 1) before = HeapInUse();
   }
-  EXPECT_LT(AllocatedBytes(), before + kSlack);
+  EXPECT_LT(HeapInUse(), before + kSlack);
 }
 
 TEST_F(ServerLoadTest, AFirstPageLooksAtItsRowsOnly) {

@@ -1,0 +1,221 @@
+// A desk phone's life of many calls, quickly: the random events of ModelDriver, and between them
+// server lists from a real server and changes of the configuration. Now and then the phone is
+// emptied as its user would empty it, and must take no more memory than after the first thousand
+// calls.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+
+#include "HeapInUse.h"
+#include "ModelDriver.h"
+#include "ServerTest.h"
+
+namespace desk {
+namespace {
+
+using namespace NS_CALLLOG;
+
+int wantedCalls = 1000000;
+unsigned int seed = 20261007;
+std::ofstream curve;  // the memory taken, if it is open
+
+// What of the process's memory is in RAM.
+std::size_t ResidentBytes() {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages >> pages;
+  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+// On one line of a terminal.
+void ShowProgress(const std::string& text) {
+  if (isatty(STDERR_FILENO) != 0) std::cerr << "\r\033[K" << text << std::flush;
+}
+
+struct Memory {
+  std::size_t heap = 0;      // in use, as the calls left it
+  std::size_t emptied = 0;   // in use, without calls, server lists and traces
+  std::size_t resident = 0;  // all that the process takes
+};
+
+class SoakTest : public ServerTest, public ModelDriver {
+ protected:
+  SoakTest() { desktop->trace.SetLevel(0); }
+
+  void Run() {
+    constexpr int kFirst = 1000;
+    constexpr int kStepsBetweenRestarts = 50000;  // a phone stays on for long
+    curve << "calls,heap,emptied,resident\n";
+    Begin(seed, kStepsBetweenRestarts);
+    CallLog_RegisterMessage();
+    const int interval = std::max(kFirst, wantedCalls / 200);
+    for (int next = kFirst; calls() < wantedCalls && !HasFailure();) {
+      Step();
+      if (OneIn(150)) ChangeSources();
+      if (OneIn(150)) ReadServerList();
+      if (calls() < std::min(next, wantedCalls)) continue;
+      Measure();
+      next = calls() - calls() % interval + interval;
+    }
+    ShowProgress("");
+    Report();
+  }
+
+ private:
+  void Restart() override {
+    CBSCallLogController::ReleaseInstance();
+    ModelDriver::Restart();
+    CallLog_RegisterMessage();
+    lists_.clear();
+    CheckSources();
+  }
+
+  // One source gets another name and document; at times the configuration is read anew.
+  void ChangeSources() {
+    const int index = Below(static_cast<int>(sources_.size()));
+    auto& source = sources_[static_cast<std::size_t>(index)];
+    const std::string path = "/" + std::to_string(Below(4));
+    source = MakeSource("127.0.0.1" + path, std::to_string(server.port()), kUser, kPassword);
+    if (OneIn(2)) source.name = "Office";
+    Logs().SetConfigDataByIndex(index, source);
+    desktop->config["BDDirectoryShowSwitch"] = Below(2);
+    if (OneIn(4)) {
+      EXPECT_EQ(desktop->loop.Send({0x10007, 0x28, 0, {}}), 1);
+      const auto told = desktop->loop.TakeAppMessages();
+      ASSERT_EQ(told.size(), 1u);
+      EXPECT_EQ(told.front().message, 0x914u);
+    }
+    CheckSources();
+  }
+
+  void CheckSources() {
+    bool any = false;
+    for (std::size_t i = 0; i < sources_.size(); ++i) {
+      const BroadSoftConfigItem* const source = Logs().GetConfigDataByIndex(static_cast<int>(i));
+      ASSERT_NE(source, nullptr);
+      EXPECT_EQ(source->name, sources_[i].name);
+      EXPECT_EQ(source->server, sources_[i].server);
+      EXPECT_EQ(source->password, sources_[i].password);
+      any = any || !source->name.empty();
+    }
+    const bool shown = any && desktop->config["BDDirectoryShowSwitch"] == 1;
+    EXPECT_EQ(CallLog_IsBroadSoftCallLogConfigured(), shown ? 1 : 0);
+  }
+
+  // Gives the server another document to answer with, or lets it fail; the document's numbers.
+  Strings ServeOther(const std::string& path, bool fails) {
+    Strings numbers;
+    std::string entries;
+    for (int i = Below(40); i > 0; --i) {
+      numbers.push_back(std::to_string(Below(1000000)));
+      entries += Entry(numbers.back());
+    }
+    Serve(path.substr(1), Document(entries));
+    const Behaviour failure{OneIn(2) ? Kind::kCut : Kind::kStatus, 500, {}};
+    server.Misbehave(path, fails ? failure : Behaviour());
+    return numbers;
+  }
+
+  // Opens the list of a source and waits for it, unless the user cancels.
+  void ReadServerList() {
+    const int index = Below(static_cast<int>(sources_.size()));
+    const std::string& address = sources_[static_cast<std::size_t>(index)].server;
+    if (address.empty()) return;
+    const std::string path = address.substr(address.find('/'));
+    const std::string query = OneIn(3) ? "?name=Bo" : "";
+    const std::string url = Url(path) + query;
+    const bool fails = OneIn(6);
+    const Strings numbers = ServeOther(path, fails);
+    const bool refresh = OneIn(4);
+    if (refresh) lists_.clear();
+    desktop->networkUp = !OneIn(10);
+    const int result = Ask(index, query, refresh);
+    if (!desktop->networkUp) {
+      EXPECT_EQ(result, BS_LIST_NO_NETWORK);
+      desktop->networkUp = true;
+    } else if (lists_.count(url) > 0) {
+      EXPECT_EQ(result, BS_LIST_OK);
+      EXPECT_EQ(page.items.size(), lists_[url].size());
+    } else {
+      EXPECT_EQ(result, BS_LIST_DOWNLOADING);
+      ++downloads_;
+      const bool cancelled = OneIn(6);
+      EXPECT_EQ(cancelled, cancelled && Logs().CancelDownload());
+      EXPECT_EQ(Settle(), cancelled ? Strings{} : Strings{(fails ? "1 " : "0 ") + url});
+      if (!cancelled && !fails) lists_[url] = numbers;
+    }
+    if (lists_.count(url) == 0) return;
+    EXPECT_EQ(Numbers(), lists_[url]);
+  }
+
+  // The user removes every call and leaves the server lists; nobody keeps what was traced.
+  void Empty() {
+    Controller().RemoveAllLogsByClickAction(Action(0));
+    model_.RemoveAll(0);
+    EXPECT_EQ(Controller().SaveToFile(), model_.Save());
+    EXPECT_EQ(Ask(-1, "", true), BS_LIST_NOT_CONFIGURED);
+    lists_.clear();
+    desktop->journal.Clear();
+    model_ = PlainModel(model_);  // without the room that it needed for more calls
+  }
+
+  // Beyond these bounds, it grows. The log server's threads, which take what they need when they
+  // serve for the first time, stay within them.
+  void Measure() {
+    constexpr std::size_t kHeapSlack = 128 * 1024;
+    constexpr std::size_t kResidentSlack = 8 * 1024 * 1024;
+    Memory now;
+    now.heap = HeapInUse();
+    Empty();
+    now.emptied = HeapInUse();
+    now.resident = ResidentBytes();
+    if (first_.heap == 0) first_ = now;
+    last_ = now;
+    EXPECT_LT(now.emptied, first_.emptied + kHeapSlack) << "after " << calls() << " calls";
+    if (!IsSanitized()) {
+      EXPECT_LT(now.resident, first_.resident + kResidentSlack) << "after " << calls() << " calls";
+    }
+    curve << calls() << ',' << now.heap << ',' << now.emptied << ',' << now.resident << std::endl;
+    ShowProgress(std::to_string(calls()) + " of " + std::to_string(wantedCalls) + " calls");
+  }
+
+  void Report() const {
+    const auto text = [](std::size_t first, std::size_t last) {
+      return std::to_string(first / 1024) + " kB at first, " + std::to_string(last / 1024) +
+             " kB at last\n";
+    };
+    std::cout << calls() << " calls, " << downloads_ << " server lists\n"
+              << "heap in use when emptied: " << text(first_.emptied, last_.emptied)
+              << "resident: " << text(first_.resident, last_.resident);
+  }
+
+  std::vector<BroadSoftConfigItem> sources_{6};  // as they must be
+  std::map<std::string, Strings> lists_;         // numbers of the lists in memory, by URL
+  int downloads_ = 0;
+  Memory first_;
+  Memory last_;
+};
+
+TEST_F(SoakTest, TakesNoMoreMemoryThanAtFirst) { Run(); }
+
+}  // namespace
+}  // namespace desk
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  CLI::App app("A desk phone's life of many calls, quickly.");
+  app.add_option("CALLS", desk::wantedCalls, "how many")
+      ->check(CLI::Range(1, 1000000000))
+      ->capture_default_str();
+  app.add_option("--seed", desk::seed, "other events")->capture_default_str();
+  std::string curveFile;
+  app.add_option("--curve", curveFile, "writes the memory that it took to this file (CSV)");
+  CLI11_PARSE(app, argc, argv);
+  if (!curveFile.empty()) desk::curve.open(curveFile);
+  if (!desk::curve) {
+    std::cerr << "cannot write to " << curveFile << "\n";
+    return 1;
+  }
+  return RUN_ALL_TESTS();
+}
