@@ -73,6 +73,18 @@ TEST_F(PlatformTest, PostsOfAnyThreadAreDeliveredOnTheLoopsThread) {
   EXPECT_EQ(TakeHandled().size(), 4 * kEach);
 }
 
+TEST_F(PlatformTest, OnlyTheNewestOfWhatNobodyTakesIsKept) {
+  constexpr int kMessages = 1000;
+  constexpr int kLines = static_cast<int>(Journal::kCapacity);
+  for (int i = 0; i < kLines + kMessages; ++i) EtlMsgHandler_NotifyApp(false, 1, 0, i);
+  const std::vector<Message> told = desktop->loop.TakeAppMessages();
+  ASSERT_EQ(told.size(), std::size_t{kMessages});
+  EXPECT_EQ(told.front().lParam, kLines);
+  const Lines lines = desktop->journal.Lines();
+  ASSERT_EQ(lines.size(), std::size_t{kLines});
+  EXPECT_EQ(lines.front(), Format("app 0x1 0 %d", kMessages));
+}
+
 TEST_F(PlatformTest, TimersFireOnceInTheOrderOfTheirTimes) {
   EtlMsgHandler_RegisterMsgHandle(0x8113, 0x8113, Note);
   timerSetThreadTimer(1, 300);
