@@ -59,7 +59,7 @@ class SoakTest : public ServerTest, public ModelDriver {
       next = calls() - calls() % interval + interval;
     }
     ShowProgress("");
-    Report();
+    if (!HasFailure()) Report();
   }
 
  private:
