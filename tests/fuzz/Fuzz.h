@@ -1,0 +1,31 @@
+// What the fuzz targets share. Their checks are the tests' EXPECT macros: the first that does not
+// hold ends the run, and the fuzzer keeps the input.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "PhoneTest.h"
+
+namespace desk {
+
+// What a target does with one input.
+void FuzzOne(const std::string& input);
+
+// The test fixture as a phone that stays from one input to the next.
+class FuzzPhone : public PhoneTest {
+ public:
+  void TestBody() override {}
+  using PhoneTest::desktop;
+  using PhoneTest::HistoryFile;
+  using PhoneTest::Names;
+};
+
+// Expects `bytes` to be XML for a strict parser; the attributes of the root's children.
+std::vector<std::map<std::string, std::string>> StrictItems(const std::string& bytes);
+
+// True when `text` is UTF-8 without control characters, but for line feeds.
+bool IsPrintableText(const std::string& text);
+
+}  // namespace desk

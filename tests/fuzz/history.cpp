@@ -1,0 +1,96 @@
+// The history file, which a power cut, an older phone or somebody's editor may have left in any
+// state. Whatever is loaded is within the limits, can be looked at, and stays as it is when it is
+// saved and loaded again.
+#include <climits>
+
+#include "Fuzz.h"
+#include "TextMatch.h"
+
+namespace desk {
+namespace {
+
+class HistoryPhone : public FuzzPhone {
+ public:
+  void Start() {
+    desktop->journal.Clear();
+    PowerCycle();
+    // What makes the history one to be saved: removing the records of a type that no view shows.
+    Controller().RemoveAllLogsByClickAction(Action(77));
+  }
+
+  // The file that is written now.
+  std::string Save() {
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+    return ReadFile(HistoryFile());
+  }
+
+  // All that the views show, and what must hold of it.
+  std::string Views() {
+    std::string shown;
+    for (int type = 0; type <= 4; ++type) {
+      const std::vector<std::string> names = Names(type);
+      if (type > 0) EXPECT_LE(names.size(), 100u);
+      for (std::size_t row = 0; row < names.size(); ++row) {
+        const CallLogDetailData detail = Detail(type, static_cast<int>(row));
+        EXPECT_EQ(names[row], detail.display_name.empty() ? detail.number : detail.display_name);
+        if (type > 0) EXPECT_EQ(detail.type, type);
+        for (const std::string& text : {detail.display_name, detail.number, detail.server,
+                                        detail.time_text, detail.duration_text}) {
+          shown += text + '\0';
+        }
+      }
+    }
+    return shown;
+  }
+
+  // A name that does not look like a number is found by itself; nothing loaded is new.
+  void Search() {
+    MissedNotifyListData missed;
+    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
+    EXPECT_TRUE(missed.items.empty());
+    EXPECT_TRUE(desktop->display.statuses.empty());
+    const std::vector<std::string> names = Names(0);
+    for (std::size_t row = 0; row < std::min<std::size_t>(names.size(), 3); ++row) {
+      const std::string key = FoldText(names[row]);
+      CallLogSearchListData page;
+      page.request_count = 1;
+      const int result = CallLog_Search(&page, names[row]);
+      const CallLogDetailData detail = Detail(0, static_cast<int>(row));
+      if (detail.display_name.empty() || key.empty()) continue;
+      EXPECT_EQ(result, 1);
+      if (std::string("0123456789*#").find(key.front()) == std::string::npos) {
+        EXPECT_GT(page.total, 0) << names[row];
+      }
+    }
+  }
+};
+
+void CheckFile(const std::string& bytes, std::size_t rows) {
+  const auto items = StrictItems(bytes);
+  EXPECT_EQ(items.size(), rows);
+  std::map<std::string, int> perType;
+  int before = INT_MAX;
+  for (auto item : items) {
+    EXPECT_EQ(item.size(), 8u);
+    EXPECT_LE(++perType[item["type"]], 100);
+    EXPECT_LE(std::stoi(item["born_tick"]), before);
+    before = std::stoi(item["born_tick"]);
+  }
+}
+
+}  // namespace
+
+void FuzzOne(const std::string& input) {
+  static HistoryPhone phone;
+  WriteFile(phone.HistoryFile(), input);
+  phone.Start();
+  const std::string views = phone.Views();
+  phone.Search();
+  const std::string first = phone.Save();
+  CheckFile(first, phone.Names(0).size());
+  phone.Start();
+  EXPECT_EQ(phone.Views(), views);
+  EXPECT_EQ(phone.Save(), first);
+}
+
+}  // namespace desk
