@@ -25,17 +25,18 @@ std::string Text(const xmlChar* text) { return reinterpret_cast<const char*>(tex
 
 }  // namespace
 
-std::vector<std::map<std::string, std::string>> StrictItems(const std::string& bytes) {
+std::optional<Items> StrictItems(const std::string& bytes, const std::string& root) {
+  constexpr int kQuiet = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
   const std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> document(
-      xmlReadMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
-                    XML_PARSE_NONET),
+      xmlReadMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr, kQuiet),
       xmlFreeDoc);
-  std::vector<std::map<std::string, std::string>> items;
-  EXPECT_NE(document, nullptr) << bytes;
-  for (xmlNode* node = xmlDocGetRootElement(document.get())->children; node; node = node->next) {
-    if (node->type != XML_ELEMENT_NODE) continue;
+  const xmlNode* const top = xmlDocGetRootElement(document.get());
+  if (top == nullptr || Text(top->name) != root) return std::nullopt;
+  Items items;
+  for (const xmlNode* node = top->children; node != nullptr; node = node->next) {
+    if (node->type != XML_ELEMENT_NODE || Text(node->name) != "item") continue;
     items.emplace_back();
-    for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
+    for (const xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
       xmlChar* const value = xmlNodeListGetString(document.get(), attribute->children, 1);
       items.back()[Text(attribute->name)] = value != nullptr ? Text(value) : "";
       xmlFree(value);

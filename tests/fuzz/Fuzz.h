@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,10 @@ class FuzzPhone : public PhoneTest {
   using PhoneTest::Names;
 };
 
-// Expects `bytes` to be XML for a strict parser; the attributes of the root's children.
-std::vector<std::map<std::string, std::string>> StrictItems(const std::string& bytes);
+// The attributes of the root's children "item", read by a strict parser. Nothing when `bytes` are
+// no well-formed XML, or have another root.
+using Items = std::vector<std::map<std::string, std::string>>;
+std::optional<Items> StrictItems(const std::string& bytes, const std::string& root);
 
 // True when `text` is UTF-8 without control characters, but for line feeds.
 bool IsPrintableText(const std::string& text);

@@ -62,7 +62,9 @@ void FuzzOne(const std::string& input) {
   Play(phone, "save", &out);
   phone.PowerCycle();
   const std::string calls = Play(phone, "list all 0 400", &out);
-  if (std::filesystem::exists(phone.HistoryFile())) StrictItems(ReadFile(phone.HistoryFile()));
+  if (std::filesystem::exists(phone.HistoryFile())) {
+    EXPECT_TRUE(StrictItems(ReadFile(phone.HistoryFile()), "root_call_log"));
+  }
   // Saved again, which the removal of a type without calls brings about, it is the same.
   Play(phone, "remove (call_log_77) all\nsave", &out);
   phone.PowerCycle();

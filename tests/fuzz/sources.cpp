@@ -39,7 +39,9 @@ void FuzzOne(const std::string& input) {
   if (!loaded) EXPECT_EQ(before.size(), 1u);
   if (before.size() == 1) return;
   const std::string first = save();
-  EXPECT_EQ(StrictItems(first).size(), (before.size() - 1) / 5);
+  const auto items = StrictItems(first, "root_broadsoft_calllog");
+  ASSERT_TRUE(items) << first;
+  EXPECT_EQ(items->size(), (before.size() - 1) / 5);
   EXPECT_TRUE(Sources().ReloadBSCallLogConfig());
   EXPECT_EQ(Loaded(), before);
   EXPECT_EQ(save(), first);
