@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace desk {
 namespace {
@@ -44,20 +45,57 @@ void AppendDecomposed(std::u32string& characters, utf8proc_int32_t c, int option
   characters.append(parts.begin(), parts.begin() + count);
 }
 
-std::u32string FoldCharacters(std::string_view text) {
-  std::u32string folded;
-  for (const char32_t c : ReadCharacters(text)) {
-    const std::u32string letters = FoldCharacter(c);
-    // An accent on a malformed byte stays: without it, the bytes around might form a character.
-    const bool onMalformed = !folded.empty() && folded.back() >= kMalformed;
-    if (letters.empty() && onMalformed) {
-      folded += c;
-    } else {
-      folded += letters;
+// Takes the first character of `text`, which must not be empty, to the end of `characters`.
+void TakeCharacter(std::string_view* text, std::u32string* characters) {
+  utf8proc_int32_t c = 0;
+  const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text->data()),
+                                       static_cast<utf8proc_ssize_t>(text->size()), &c);
+  if (length > 0) {
+    AppendDecomposed(*characters, c, UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT);
+  } else {
+    *characters += kMalformed + ToByte(text->front());
+  }
+  text->remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+}
+
+// Gives the folded characters of a text one by one: a caller's name can be long, and mostly its
+// first letter decides.
+class FoldedText {
+ public:
+  explicit FoldedText(std::string_view text) : rest_(text) {}
+
+  // Nothing at the end.
+  std::optional<char32_t> Next() {
+    while (position_ == ahead_.size()) {
+      if (rest_.empty()) return std::nullopt;
+      Refill();
+    }
+    return last_ = ahead_[position_++];
+  }
+
+ private:
+  void Refill() {
+    std::u32string characters;
+    TakeCharacter(&rest_, &characters);
+    ahead_.clear();
+    position_ = 0;
+    for (const char32_t c : characters) {
+      const std::u32string letters = FoldCharacter(c);
+      // An accent on a malformed byte stays: without it, the bytes around might form a character.
+      const bool onMalformed = (ahead_.empty() ? last_ : ahead_.back()) >= kMalformed;
+      if (letters.empty() && onMalformed) {
+        ahead_ += c;
+      } else {
+        ahead_ += letters;
+      }
     }
   }
-  return folded;
-}
+
+  std::string_view rest_;
+  std::u32string ahead_;  // the folded form of the character read last
+  std::size_t position_ = 0;
+  char32_t last_ = 0;
+};
 
 void AppendEncoded(std::string& text, char32_t c) {
   if (c >= kMalformed) {
@@ -78,17 +116,7 @@ bool IsAscii(std::string_view text) {
 std::u32string ReadCharacters(std::string_view text) {
   std::u32string characters;
   characters.reserve(text.size());
-  while (!text.empty()) {
-    utf8proc_int32_t c = 0;
-    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                         static_cast<utf8proc_ssize_t>(text.size()), &c);
-    if (length > 0) {
-      AppendDecomposed(characters, c, UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT);
-    } else {
-      characters += kMalformed + ToByte(text.front());
-    }
-    text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
-  }
+  while (!text.empty()) TakeCharacter(&text, &characters);
   return characters;
 }
 
@@ -113,7 +141,8 @@ std::string FoldText(std::string_view text) {
   if (IsAscii(text)) {
     for (const char c : text) folded += static_cast<char>(AsciiToLower(ToByte(c)));
   } else {
-    for (const char32_t c : FoldCharacters(text)) AppendEncoded(folded, c);
+    FoldedText characters(text);
+    while (const auto c = characters.Next()) AppendEncoded(folded, *c);
   }
   return folded;
 }
@@ -127,9 +156,11 @@ bool BeginsWith(std::string_view text, std::string_view key) {
     text.remove_prefix(1);
     key.remove_prefix(1);
   }
-  if (key.empty()) return true;
-  const std::u32string foldedKey = FoldCharacters(key);
-  return FoldCharacters(text).compare(0, foldedKey.size(), foldedKey) == 0;
+  FoldedText inText(text), inKey(key);
+  while (const auto c = inKey.Next()) {
+    if (inText.Next() != c) return false;
+  }
+  return true;
 }
 
 }  // namespace desk
