@@ -7,6 +7,7 @@
 namespace desk {
 
 void Journal::Add(std::string line) {
+  if (line.size() > kLineBytes) line = line.substr(0, kLineBytes);
   const std::lock_guard<std::mutex> lock(mutex_);
   if (lines_.size() == kCapacity) lines_.pop_front();
   lines_.push_back(std::move(line));

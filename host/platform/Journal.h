@@ -1,5 +1,6 @@
 // What the platform was asked to do, in order, one line each: the desktop phone shows it, tests
-// read orders from it. Keeps the newest lines only, so that it can run for months.
+// read orders from it. Keeps the newest lines only, and the beginning of each, so that it can run
+// for months, whatever callers send.
 #pragma once
 
 #include <deque>
@@ -12,6 +13,7 @@ namespace desk {
 class Journal {
  public:
   static constexpr std::size_t kCapacity = 10000;
+  static constexpr std::size_t kLineBytes = 1000;
 
   void Add(std::string line);  // any thread
 

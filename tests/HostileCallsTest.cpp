@@ -1,0 +1,195 @@
+// One hostile call after the other: any byte and any length in each field, then as search key, as
+// new name and as the number dealt with. A plain model says what must be left each time; ordinary
+// calls are found throughout.
+#include <algorithm>
+
+#include "PhoneTest.h"
+#include "PlainModel.h"
+
+namespace desk {
+namespace {
+
+using Field = std::string CallLogAddItemData::*;
+
+constexpr Field kFields[] = {
+    &CallLogAddItemData::local_sip_name,      &CallLogAddItemData::local_sip_server,
+    &CallLogAddItemData::remote_sip_name,     &CallLogAddItemData::remote_sip_server,
+    &CallLogAddItemData::remote_display_name, &CallLogAddItemData::forward_sip_name,
+    &CallLogAddItemData::forward_sip_server,  &CallLogAddItemData::forward_display_name};
+
+constexpr std::size_t kLengths[] = {0, 1, 260, 261, 65536, 1 << 20};
+
+class HostileCallsTest : public PhoneTest {
+ protected:
+  // An ordinary call of each type, newer than all that follow.
+  HostileCallsTest() {
+    model_.Wait(desktop->clock().Monotonic());
+    for (int type = 1; type <= 4; ++type) {
+      CallLogAddItemData call = MakeCall(type, "100" + std::to_string(type), kNow + type);
+      call.remote_display_name = "Bo " + std::to_string(type);
+      Add(call);
+    }
+  }
+
+  void Add(const CallLogAddItemData& call) {
+    ASSERT_EQ(CallLog_AddLog(call), model_.Add(call)) << "call " << calls_;
+    ++calls_;
+  }
+
+  // A call that is ordinary but for one field, older than those before it.
+  void AddWith(Field field, const std::string& text, int type) {
+    CallLogAddItemData call = MakeCall(type, "555", kNow - calls_);
+    call.*field = text;
+    Add(call);
+  }
+
+  void ExpectRecords() const {
+    for (int view = 0; view <= 4; ++view) {
+      const auto calls = model_.View(view);
+      CallLogDetailData detail;
+      const int end = static_cast<int>(calls.size());
+      EXPECT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), end), 0);
+      for (int row = 0; row < end; ++row) {
+        const PlainCall& call = *calls[static_cast<std::size_t>(row)];
+        detail = Detail(view, row);
+        ASSERT_TRUE(detail.display_name == call.remote_display_name &&
+                    detail.number == call.remote_sip_name &&
+                    detail.server == call.remote_sip_server && detail.type == call.type)
+            << "view " << view << ", row " << row << ", call " << calls_ << ": "
+            << detail.display_name.substr(0, 99);
+      }
+    }
+  }
+
+  void ExpectNewCallers() const {
+    using Rows = std::vector<std::pair<std::string, int>>;
+    MissedNotifyListData missed;
+    ForwardedNotifyList forwarded;
+    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
+    EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
+    Rows rows;
+    for (const auto& row : missed.items) {
+      rows.emplace_back(row.display_name + ", " + row.number, row.count);
+    }
+    EXPECT_TRUE(rows == model_.NewCallers(2)) << "call " << calls_;
+    rows.clear();
+    for (const auto& row : forwarded.items) {
+      rows.emplace_back(row.display_name + ", " + row.number + ", " + row.forward_display_name,
+                        row.count);
+    }
+    EXPECT_TRUE(rows == model_.NewCallers(4)) << "call " << calls_;
+    EXPECT_TRUE(desktop->display == model_.Shown()) << "call " << calls_;
+  }
+
+  static void ExpectOrdinaryFound() {
+    for (const char* key : {"bo 1", "1001", "261"}) {
+      CallLogSearchListData page;
+      page.request_count = 1000;
+      EXPECT_EQ(CallLog_Search(&page, key), 1);
+      const bool found = std::any_of(page.items.begin(), page.items.end(), [](const auto& hit) {
+        return hit.display_name == "Bo 1" && hit.number == "1001";
+      });
+      EXPECT_TRUE(found) << key;
+    }
+    EXPECT_EQ(CallLog_GetLastOutCall(), "1001");
+    EXPECT_EQ(CallLog_GetLastNewInCall(), "1004");
+  }
+
+  void ExpectAll() const {
+    ExpectRecords();
+    ExpectNewCallers();
+    ExpectOrdinaryFound();
+  }
+
+  void Restart() {
+    ASSERT_EQ(Controller().SaveToFile(), model_.Save());
+    ASSERT_TRUE(ReadFile(HistoryFile()) == model_.File()) << "call " << calls_;
+    PowerCycle();
+    model_.PowerCycle();
+    ExpectAll();
+  }
+
+  PlainModel model_;
+  int calls_ = 0;
+};
+
+TEST_F(HostileCallsTest, AnyByteInAnyField) {
+  for (int byte = 0; byte < 256 && !HasFailure(); ++byte) {
+    const std::string text = {static_cast<char>(byte), 'x', static_cast<char>(byte)};
+    int type = byte % 4;
+    for (const Field field : kFields) AddWith(field, text, 1 + type++ % 4);
+    if (byte % 16 == 0) ExpectAll();
+    if (byte % 16 == 15) Restart();
+  }
+  for (int type = 1; type <= 4; ++type) EXPECT_EQ(model_.View(type).size(), 100u);
+}
+
+// The records are compared as they were sent: `~` needs no other form in the file.
+TEST_F(HostileCallsTest, AnyLengthInAnyField) {
+  for (const std::size_t length : kLengths) {
+    int type = 0;
+    for (const Field field : kFields) AddWith(field, std::string(length, '~'), 1 + type++ % 4);
+    ExpectAll();
+  }
+  ASSERT_EQ(Controller().SaveToFile(), 1);
+  PlainCalls calls;
+  for (const PlainCall* call : model_.View(0)) calls.push_back(*call);
+  EXPECT_TRUE(ReadFile(HistoryFile()) == FileText(calls));
+  PowerCycle();
+  model_.See(0);
+  ExpectAll();
+}
+
+TEST_F(HostileCallsTest, AnyTextAsKeyNameAndNumber) {
+  std::vector<std::string> texts;
+  for (int byte = 0; byte < 256; ++byte) texts.emplace_back(2, static_cast<char>(byte));
+  for (const char* piece : {"~", "1", "\u00E9", "\xC3"}) {
+    for (const std::size_t length : {260, 261, 65536}) {
+      std::string text;
+      while (text.size() < static_cast<std::size_t>(length)) text += piece;
+      texts.push_back(text);
+    }
+  }
+  texts.push_back(std::string(1 << 20, '~'));
+  CallLogAddItemData call = MakeCall(2, "", kNow - 1);
+  for (const std::string& text : texts) {
+    call.remote_sip_name = text;
+    Add(call);
+    CallLogSearchListData page;
+    page.request_count = 1000;
+    CallLog_Search(&page, text);
+    CallLogUpdateData contact;
+    contact.number_2 = contact.display_name = text;
+    EXPECT_EQ(CallLog_UpdateLog(contact), 1);
+    model_.Update(contact);
+    SuperSearchItemData name;
+    name.display_name = name.number = text;
+    Controller().UpdateDispName({name});
+    model_.UpdateNames({name});
+    ExpectNewCallers();
+    RemoveMissedDirtyByNumber(text.c_str());
+    RemoveForwardDirtyByNumber(text.c_str());
+    model_.See(2, text.c_str());
+    ExpectNewCallers();
+    ExpectOrdinaryFound();
+    if (HasFailure()) FAIL() << "text " << &text - texts.data();
+  }
+  ExpectRecords();
+}
+
+TEST_F(HostileCallsTest, NothingGrowsButTheHistory) {
+  constexpr int kName = 16384;
+  const auto addMany = [] {
+    for (int i = 0; i < 400; ++i) {
+      CallLogAddItemData call = MakeCall(1 + i % 4, "555");
+      call.remote_display_name = std::string(kName, '~');
+      EXPECT_EQ(CallLog_AddLog(call), 0);
+    }
+    return AllocatedBytes();
+  };
+  const std::size_t full = addMany();
+  EXPECT_LT(addMany(), full + 200 * kName);
+}
+
+}  // namespace
+}  // namespace desk
