@@ -102,7 +102,13 @@ TEST_F(ServerLoadTest, AFirstPageLooksAtItsRowsOnly) {
     page.request_index = first;
     page.request_count = 10;
     const std::string action = "broadsoft_calllog_" + std::to_string(source);
-    return Touched([&] { Logs().GetLogListByClickAction(&page, action, "", false); });
+    int least = INT_MAX;  // of three, for a busy machine touches memory of its own accord
+    for (int i = 0; i < 3; ++i) {
+      page.items.clear();
+      const auto ask = [&] { Logs().GetLogListByClickAction(&page, action, "", false); };
+      least = std::min(least, Touched(ask));
+    }
+    return least;
   };
   for (const int source : {0, 1}) {
     const int count = source == 0 ? 100 : 100000;

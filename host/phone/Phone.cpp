@@ -31,7 +31,8 @@ int StartHistory() {
   CCallLogController::ReleaseInstance();
   CallLogSimpleListData page;
   page.request_count = 1;
-  CCallLogController::GetInstance()->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
+  const auto* const controller = CCallLogController::GetInstance();
+  if (controller != nullptr) controller->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
   return page.total;
 }
 
