@@ -82,8 +82,9 @@ bool CBSCallLogModel::MyLoadDataFromXmlConfig(const std::string& fileName) {
     m_strDisplayName = TinyXml_GetStringAttr(root, kDisplayNameAttribute, "");
     for (TiXmlElement* element = root->FirstChildElement(kSourceItem); element != nullptr;
          element = element->NextSiblingElement(kSourceItem)) {
-      m_vecConfigItem.push_back(std::make_unique<BroadSoftConfigItem>());
-      ReadSource(element, m_vecConfigItem.back().get());
+      auto item = std::make_unique<BroadSoftConfigItem>();
+      ReadSource(element, item.get());
+      m_vecConfigItem.push_back(std::move(item));
     }
     return true;
   });
@@ -104,6 +105,7 @@ bool CBSCallLogModel::CreateBroadSoftCallLogList(std::string& path) {
 
 bool CBSCallLogModel::MySaveConfig() {
   if (!MyGetConfigDirty()) return false;
+  MySetConfigDirty(false);  // also when memory runs out: later there may be other sources, or none
   TiXmlDocument document;
   auto declaration = std::make_unique<TiXmlDeclaration>();
   declaration->Parse("<?xml version='1.0' encoding='UTF-8'?>", nullptr, TIXML_ENCODING_UTF8);
@@ -111,7 +113,6 @@ bool CBSCallLogModel::MySaveConfig() {
   TiXmlElement* const root = AppendSourcesRoot(&document, m_strDisplayName);
   for (const auto& item : m_vecConfigItem) AppendSource(root, *item);
   WriteDocument(std::string(kConfigDirectory) + kSourcesFileName, document);
-  MySetConfigDirty(false);
   return true;
 }
 

@@ -28,10 +28,10 @@ using Model = CCallLogModel;
 // What an operation of the model on the action's call type gives; 0 when there is no such type.
 template <class Operation>
 int AskForType(const std::unique_ptr<Model>& model, const std::string& action,
-               const Operation& operation) noexcept {
-  return Ask(model, 0, [&](Model& asked) -> int {
+               const Operation& operation) {
+  return OrFailure(0, [&]() -> int {
     const int type = TypeOf(action);
-    return type < 0 ? 0 : operation(asked, type);
+    return type < 0 || model == nullptr ? 0 : operation(*model, type);
   });
 }
 

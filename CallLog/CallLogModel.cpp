@@ -87,11 +87,6 @@ int MarkSeen(const LogList& records, int type, Matches matches) {
   return seen;
 }
 
-// Whether the timer runs.
-bool StartSaveTimer() {
-  return OrFailure(false, [] { return timerSetThreadTimer(kSaveTimer, kSaveDelay); });
-}
-
 void WriteHistory(const LogList& records) {
   etlTrace(3, "--Call log: save call log file begin.");
   std::string text;
@@ -113,25 +108,30 @@ struct HasRemoteNumber {
 };
 
 // Tallies the new records of `type` by name, newest first. `fill` completes a row that is appended
-// for its first record; names beyond the room of one request are left out.
+// for its first record; names beyond the room of one request are left out. The rows change only
+// once all is tallied.
 template <class Row, class Fill>
 void TallyNewCalls(const LogList& records, int type, std::list<Row>* rows, Fill fill) {
+  std::list<Row> tally = *rows;
   int added = 0;
   for (const auto& item : records) {
     if (!IsNew(*item, type)) continue;
     const std::string& name = FirstNonEmpty(item->remote_display_name, item->remote_sip_name);
-    auto row = std::find_if(rows->begin(), rows->end(),
+    auto row = std::find_if(tally.begin(), tally.end(),
                             [&](const Row& other) { return other.display_name == name; });
-    if (row == rows->end()) {
+    if (row == tally.end()) {
       if (added == kMaxNotifyRows) continue;
       ++added;
-      row = rows->emplace(rows->end());
+      row = tally.emplace(tally.end());
       row->display_name = name;
       row->number = item->remote_sip_name;
       fill(&*row, *item);
     }
     ++row->count;
   }
+  auto tallied = tally.begin();
+  for (Row& row : *rows) row.count = (tallied++)->count;
+  rows->splice(rows->end(), tally, tallied, tally.end());
 }
 
 }  // namespace
@@ -302,8 +302,9 @@ void CCallLogModel::MyClearLogListByType(int type) {
 // The search holds pointers to records: every change makes it forget them.
 void CCallLogModel::MySetDirty(bool bDirty) {
   if (bDirty && m_pSearchHelper != nullptr) m_pSearchHelper->ResetKey();
+  if (m_bDirty == bDirty) return;
   m_bDirty = bDirty;
-  if (m_bDirty && !m_bSaveTimerRuns) m_bSaveTimerRuns = StartSaveTimer();
+  if (m_bDirty) timerSetThreadTimer(kSaveTimer, kSaveDelay);
 }
 
 bool CCallLogModel::MyGetDirty() const { return m_bDirty; }
@@ -316,7 +317,6 @@ bool CCallLogModel::HandleTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg) {
 bool CCallLogModel::SaveToFile() {
   if (!MyGetDirty()) return false;
   timerKillThreadTimer(kSaveTimer);
-  m_bSaveTimerRuns = false;
   const bool written = OrFailure(false, [this] {
     WriteHistory(m_listLog);
     return true;
@@ -324,7 +324,7 @@ bool CCallLogModel::SaveToFile() {
   if (written) {
     MySetDirty(false);
   } else {
-    m_bSaveTimerRuns = StartSaveTimer();  // the file is as it was; try again later
+    timerSetThreadTimer(kSaveTimer, kSaveDelay);  // the file is as it was; try again later
   }
   return written;
 }
@@ -397,20 +397,17 @@ void CCallLogModel::MyCheckStatus(int type) {
 bool CCallLogModel::GetMissedNotifyList(MissedNotifyListData* pData) const {
   if (pData == nullptr) return false;
   etlTrace(3, "--Call log: begin to get missed notify list");
-  std::list<MissedCallData> rows = pData->items;
-  TallyNewCalls(m_listLog, kMissed, &rows, [](MissedCallData*, const ItemData&) {});
-  pData->items.swap(rows);
+  TallyNewCalls(m_listLog, kMissed, &pData->items, [](MissedCallData*, const ItemData&) {});
   etlTrace(3, "--Call log: get missed count is %d", static_cast<int>(pData->items.size()));
   return true;
 }
 
 bool CCallLogModel::GetForwardedNotifyList(ForwardedNotifyList* pData) const {
   if (pData == nullptr) return false;
-  std::list<ForwardedCallData> rows = pData->items;
-  TallyNewCalls(m_listLog, kForwarded, &rows, [](ForwardedCallData* row, const ItemData& item) {
-    row->forward_display_name = FirstNonEmpty(item.forward_display_name, item.forward_sip_name);
-  });
-  pData->items.swap(rows);
+  TallyNewCalls(
+      m_listLog, kForwarded, &pData->items, [](ForwardedCallData* row, const ItemData& item) {
+        row->forward_display_name = FirstNonEmpty(item.forward_display_name, item.forward_sip_name);
+      });
   return true;
 }
 

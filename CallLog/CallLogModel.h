@@ -110,7 +110,6 @@ class CCallLogModel {
   int m_nMissedCount = 0;
   int m_nForwardCount = 0;
   bool m_bDirty = false;
-  bool m_bSaveTimerRuns = false;
 };
 
 }  // namespace NS_CALLLOG

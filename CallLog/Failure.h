@@ -1,5 +1,5 @@
-// The module's boundary towards a process that must not die: whatever goes wrong inside becomes
-// the result that stands for a failure.
+// The module's boundary towards a process that must not die: an exception of the standard library
+// becomes the result that stands for a failure.
 #pragma once
 
 #include <exception>
@@ -12,7 +12,7 @@ namespace NS_CALLLOG {
 // What `operation` gives; `failure` when it ends with an exception, which here means that memory
 // ran out.
 template <class Result, class Operation>
-Result OrFailure(Result failure, const Operation& operation) noexcept {
+Result OrFailure(Result failure, const Operation& operation) {
   try {
     return operation();
   } catch (const std::exception&) {
@@ -21,7 +21,7 @@ Result OrFailure(Result failure, const Operation& operation) noexcept {
 }
 
 template <class Operation>
-void IgnoreFailure(const Operation& operation) noexcept {
+void IgnoreFailure(const Operation& operation) {
   try {
     operation();
   } catch (const std::exception&) {
@@ -31,7 +31,7 @@ void IgnoreFailure(const Operation& operation) noexcept {
 // What an operation of the model gives; `failure` also when there is no model.
 template <class Result, class Model, class Operation, class... Arguments>
 Result Ask(const std::unique_ptr<Model>& model, Result failure, Operation operation,
-           Arguments&&... arguments) noexcept {
+           Arguments&&... arguments) {
   if (model == nullptr) return failure;
   return OrFailure(std::move(failure), [&]() -> Result {
     return std::invoke(operation, *model, std::forward<Arguments>(arguments)...);

@@ -295,6 +295,7 @@ bool ReadXmlFile(const std::string& path, std::string* bytes) {
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;
     const std::string_view text(chunk.data(), static_cast<std::size_t>(count));
+    errno = 0;
     if (bytes->empty() && text.find('<') == std::string_view::npos) return false;
     const bool hole = text.find_first_not_of('\0') == std::string_view::npos;
     if (hole) return true;  // the end, or what a file system leaves behind it after a power cut

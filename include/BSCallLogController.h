@@ -30,7 +30,8 @@ enum BSListResult {
 //
 // When a download has ended, the application gets message 0x913, wParam 0, lParam 0 when the list
 // can now be read and 1 when not, with the list's URL (user and password included) as a
-// NUL-terminated string in the extra data.
+// NUL-terminated string in the extra data. When there is no memory even for that, no message is
+// sent, and the list may count as being fetched until it is cancelled or refreshed.
 class CBSCallLogController {
  public:
   // The controller. The first call creates it and loads the configuration file, which is created
@@ -82,7 +83,8 @@ class CBSCallLogController {
   CALLLOG_EXPORT const BroadSoftConfigItem* GetConfigDataByIndex(int index) const;
 
   // Replaces a source and writes the configuration file; nothing happens when there is no such
-  // source. Lists already downloaded stay, under the URLs of before.
+  // source. Lists already downloaded stay, under the URLs of before. When memory runs out, the file
+  // stays as it was.
   CALLLOG_EXPORT void SetConfigDataByIndex(int index, const BroadSoftConfigItem& item);
 
   // The name under which the phone's menu shows the server call logs: the file's, also after a

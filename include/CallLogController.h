@@ -25,7 +25,8 @@ class CCallLogSearchHelper;
 class CCallLogController {
  public:
   // The controller. The first call creates it, loads the history file and registers for message
-  // 0x8113. Null when there is no memory for it; the next call tries again.
+  // 0x8113. Null when there is no memory for it; the next call tries again. When memory runs out
+  // while the file is read, the history begins with what was read so far, or empty.
   CALLLOG_EXPORT static CCallLogController* GetInstance();
 
   // Destroys the controller and the history in memory, without saving: call SaveToFile() first to
@@ -33,7 +34,8 @@ class CCallLogController {
   CALLLOG_EXPORT static void ReleaseInstance();
 
   // Handler of the thread-timer message 0x8113. 1 when it saved the history; 0 for another message
-  // or timer, when there was nothing to save, and when there is no controller.
+  // or timer, when there was nothing to save or no memory to save it with, and when there is no
+  // controller.
   CALLLOG_EXPORT static int OnMessage(ETL_MsgQueueHelper::msgObject& msg);
 
   // Fills one page of a list; type 0 lists all calls. The new missed calls count as seen once the
@@ -85,8 +87,7 @@ class CCallLogController {
 
   // Writes the history file now if anything changed since the last save. 1 when it was written,
   // also when the disk refused it (nothing reports that); 0 when there was nothing to write, or no
-  // memory to write it with: the file stays as it was, and the save is tried again 5 seconds later,
-  // or after the next change when no timer was to be had either.
+  // memory to make its text: the file stays as it was, and the save is tried again 5 seconds later.
   CALLLOG_EXPORT int SaveToFile();
 
   // As CallLog_Search, CallLog_SearchRecentOutCall and CallLog_SuperSearchRecentOutCall.

@@ -77,7 +77,8 @@ void Phone::OnHandled(const Message& message, int result) {
 }
 
 bool Phone::Save() {
-  if (CCallLogController::GetInstance()->SaveToFile() != 1) return false;
+  auto* const controller = CCallLogController::GetInstance();
+  if (controller == nullptr || controller->SaveToFile() != 1) return false;
   NoteGuard(guard_.AfterSave());
   return true;
 }

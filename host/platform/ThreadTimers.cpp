@@ -22,8 +22,8 @@ auto Earliest(Map& due) {
 }  // namespace
 
 bool ThreadTimers::Set(unsigned int id, Milliseconds delay) {
-  due_[id] = clock_.Monotonic() + delay;
   journal_.Add(Format("timer %u set %lld", id, static_cast<long long>(delay.count())));
+  due_[id] = clock_.Monotonic() + delay;
   return true;
 }
 
@@ -42,9 +42,8 @@ std::optional<Milliseconds> ThreadTimers::NextDue() const {
 void ThreadTimers::FireDue() {
   for (auto next = Earliest(due_); next != due_.end(); next = Earliest(due_)) {
     if (next->second > clock_.Monotonic()) return;
-    const unsigned int id = next->first;
+    loop_.Post({kTimerMessage, next->first, 0, {}});
     due_.erase(next);
-    loop_.Post({kTimerMessage, id, 0, {}});
   }
 }
 

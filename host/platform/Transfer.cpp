@@ -10,6 +10,7 @@
 
 #include "EtlMsgHandler.h"
 #include "MessageLoop.h"
+#include "Quietly.h"
 #include "Trace.h"
 #include "TransferThread.h"
 
@@ -83,7 +84,9 @@ void TransferService::Complete(unsigned int id) {
   }
   transfer.download.reset();  // a failed one leaves nothing behind
   transfer.state = error.empty() ? Transfer::State::kSucceeded : Transfer::State::kFailed;
-  if (!error.empty()) trace_.Write(2, "transfer of " + transfer.remoteUrl + " failed: " + error);
+  if (!error.empty()) {
+    Quietly([&] { trace_.Write(2, "transfer of " + transfer.remoteUrl + " failed: " + error); });
+  }
   if (transfer.callback == nullptr) return;
   ETL_MsgQueueHelper::msgObject message;
   message.message = kEndedMessage;

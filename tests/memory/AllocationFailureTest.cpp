@@ -88,10 +88,9 @@ class AllocationFailureTest : public PhoneTest {
     return shown;
   }
 
-  // What is in memory is what a save and a new start bring back, but for what was new. A timer that
-  // could not be had is asked for again with the next change.
+  // What is in memory is what a save and a new start bring back, but for what was new.
   void ExpectSavedAsShown() {
-    Add(1, "69");
+    Controller().SaveToFile();
     const Strings names = Names(0);
     WaitForSave();
     PowerCycle();
