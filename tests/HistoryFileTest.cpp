@@ -1,5 +1,6 @@
 // The history file: its bytes, when it is written, what is made of files that somebody else wrote,
 // cut or damaged. Names that are hostile in themselves are HostileNamesTest's.
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -339,6 +340,31 @@ TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     EXPECT_EQ(Size(), 1);
   }
+}
+
+// A call's time ends there, the phone and its file system go on.
+TEST_F(HistoryFileTest, OutlivesTheYear2038) {
+  const std::time_t now = std::time_t{INT_MAX} + 60;
+  desktop->manualClock()->SetWall(now);
+  for (const int time : {0, INT_MAX - 1, -1, INT_MAX, INT_MIN}) Add(1, std::to_string(time), time);
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  const timespec stamps[] = {{now, 0}, {now, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, HistoryFile().c_str(), stamps, 0), 0);
+  PowerCycle();
+
+  CallLogSimpleListData page;
+  page.request_count = 10;
+  EXPECT_EQ(Controller().GetLogListByClickAction(&page, Action(1)), 1);
+  Lines rows;
+  for (const CallLogSimpleData& row : page.items) {
+    const std::string full = Detail(1, static_cast<int>(rows.size())).time_text;
+    rows.push_back(row.display_name + ", " + row.time_text + ", " + full);
+  }
+  EXPECT_EQ(
+      rows,
+      (Lines{"2147483647, 03:14, 2038-01-19 03:14:07", "2147483646, 03:14, 2038-01-19 03:14:06",
+             "0, 1970-01-01, 1970-01-01 00:00:00", "-1, 1969-12-31, 1969-12-31 23:59:59",
+             "-2147483648, 1901-12-13, 1901-12-13 20:45:52"}));
 }
 
 TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {

@@ -1,9 +1,11 @@
 // Transfers as a module meets them, against a server of our own.
-#include <httplib.h>
 #include <openssl/evp.h>
+#include <openssl/ssl.h>
 #include <openssl/x509.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+
+#include <thread>
 
 #include "ServerTest.h"
 #include "TaskAction.h"
@@ -154,16 +156,25 @@ TEST_F(TransferTest, RefusesAnUncertifiedServer) {
   X509_set_issuer_name(certificate.get(), X509_get_subject_name(certificate.get()));
   X509_set_pubkey(certificate.get(), key.get());
   X509_sign(certificate.get(), key.get(), EVP_sha256());
-  httplib::SSLServer secure(certificate.get(), key.get());
-  const int port = secure.bind_to_any_port("127.0.0.1");
-  secure.Get("/", [](const httplib::Request&, httplib::Response&) { ADD_FAILURE(); });
-  std::thread serving([&] { secure.listen_after_bind(); });
-  EXPECT_FALSE(Fetch("https://localhost:" + std::to_string(port) + "/").succeeded);
+  const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_server_method()),
+                                                                  SSL_CTX_free);
+  SSL_CTX_use_certificate(context.get(), certificate.get());
+  SSL_CTX_use_PrivateKey(context.get(), key.get());
+  const std::unique_ptr<BIO, decltype(&BIO_free_all)> secure(BIO_new_accept("127.0.0.1:0"),
+                                                             BIO_free_all);
+  BIO_set_accept_bios(secure.get(), BIO_new_ssl(context.get(), 0));
+  ASSERT_EQ(BIO_do_accept(secure.get()), 1);  // listens
+  const std::string port = BIO_get_accept_port(secure.get());
+  std::thread serving([&] {
+    EXPECT_EQ(BIO_do_accept(secure.get()), 1);  // has a client
+    const std::unique_ptr<BIO, decltype(&BIO_free_all)> client(BIO_pop(secure.get()), BIO_free_all);
+    EXPECT_LE(BIO_do_handshake(client.get()), 0);
+  });
+  EXPECT_FALSE(Fetch("https://localhost:" + port + "/").succeeded);
+  serving.join();
   const Strings trace = TakeJournal({"trace"});
   ASSERT_EQ(trace.size(), 1u);
   EXPECT_NE(trace.front().find("certificate"), std::string::npos) << trace.front();
-  secure.stop();
-  serving.join();
 }
 
 // All have ended before the first completion is delivered.
