@@ -1,14 +1,10 @@
 // The history file: its bytes, when it is written, what is made of files that somebody else wrote,
 // cut or damaged. Names that are hostile in themselves are HostileNamesTest's.
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <climits>
-#include <fstream>
 #include <functional>
 #include <map>
 
@@ -403,39 +399,6 @@ TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {
     EXPECT_EQ(Size(), row.savedCalls);
   }
 }
-
-#ifndef __SANITIZE_ADDRESS__  // it needs address space of its own
-// Comes up with so much memory more than there is now; ends the process with the size of the
-// history.
-[[noreturn]] void StartWithin(int megabytes) {
-  std::ifstream statm("/proc/self/statm");
-  rlim_t pages = 0;
-  statm >> pages;
-  rlimit memory;
-  getrlimit(RLIMIT_AS, &memory);
-  const rlim_t unlimited = memory.rlim_cur;
-  memory.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) +
-                    static_cast<rlim_t>(megabytes) * 1024 * 1024;
-  setrlimit(RLIMIT_AS, &memory);
-  NS_CALLLOG::CCallLogController::GetInstance();
-  memory.rlim_cur = unlimited;
-  setrlimit(RLIMIT_AS, &memory);
-  CallLogSimpleListData page;
-  page.request_count = 1;
-  NS_CALLLOG::CCallLogController::GetInstance()->GetLogListByClickAction(&page, "call_log_0");
-  _exit(page.total);
-}
-
-TEST_F(HistoryFileTest, ThatMemoryIsTooShortForLeavesThePhoneAlive) {
-  WriteFile(HistoryFile(), FileText(PlainCalls(100, Call(std::string(65536, 'x')))));
-  EXPECT_EXIT(StartWithin(1), testing::ExitedWithCode(0), "");
-  for (int megabytes = 8; megabytes <= 38; megabytes += 3) {
-    const auto started = [](int status) { return WIFEXITED(status) && WEXITSTATUS(status) <= 100; };
-    EXPECT_EXIT(StartWithin(megabytes), started, "") << megabytes << " MB";
-  }
-  EXPECT_EXIT(StartWithin(200), testing::ExitedWithCode(100), "");
-}
-#endif
 
 TEST_F(HistoryFileTest, CutOrDamagedAnywhereIsWholeOrEmptyAndSavedAgain) {
   PlainCalls calls;
