@@ -1,0 +1,5 @@
+# 32-bit phones.
+set(target armhf)
+set(triplet arm-linux-gnueabihf)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+include(${CMAKE_CURRENT_LIST_DIR}/debian.cmake)
