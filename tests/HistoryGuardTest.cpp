@@ -2,6 +2,8 @@
 // loads that fail, and what of 399 calls is there after the next start.
 #include "HistoryGuard.h"
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -314,6 +316,27 @@ TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {
   EXPECT_EQ(Start(), Outcome::kPutBack);
   EXPECT_EQ(Size(), kCalls);
   ExpectGoesOn();
+}
+
+// A disk on which two copies have room, but not three.
+TEST_F(HistoryGuardTest, DropsWhatIsSetAsideOnAFullDisk) {
+  const std::string directory = HistoryFile().parent_path();
+  const std::string size = "size=" + std::to_string(whole.size() * 5 / 2);
+  if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      mount("tmpfs", directory.c_str(), "tmpfs", 0, size.c_str()) != 0) {
+    GTEST_SKIP() << "no file systems can be mounted here";
+  }
+  WriteFile(HistoryFile(), whole);
+  EXPECT_EQ(Start(), Outcome::kGood);
+  for (int calls = kCalls; calls <= kCalls + 1; ++calls) {
+    WriteFile(HistoryFile(), whole.substr(0, whole.size() - 20));
+    EXPECT_EQ(Start(), Outcome::kPutBack);
+    EXPECT_EQ(Found(), (Files{{"", calls}, {".good", calls}}));
+    EXPECT_EQ(SaveAndTell(), Outcome::kGood);
+    EXPECT_EQ(Start(), Outcome::kGood);
+    EXPECT_EQ(Size(), kCalls + 1);
+  }
+  umount(directory.c_str());
 }
 
 TEST_F(HistoryGuardTest, TakesNoFailedSaveForAGoodOne) {

@@ -88,6 +88,18 @@ TEST_F(ScriptTest, WrongLinesAreNamedAndTheRestGoesOn) {
   EXPECT_NE(next.find("all: 2 calls"), std::string::npos) << next << "quitting saves";
 }
 
+TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {
+  const auto file = root.path() / "config/data/call_data.xml";
+  const std::string note = "  * the last good copy of the history is back";
+  for (const char* save : {"save\n", "wait 5s\n", "# quitting saves\n"}) {
+    EXPECT_EQ(Run(std::string("power-cycle\ncall missed 1\n") + save).find(note), note.npos);
+    EXPECT_EQ(ReadFile(file.string() + ".good"), ReadFile(file)) << save;
+  }
+  WriteFile(file, "");
+  EXPECT_EQ(Run("").find(note), 0u);
+  EXPECT_NE(Run("list\n").find("  all: 3 calls"), note.npos);
+}
+
 TEST_F(ScriptTest, ARootIsOnePhonesAlone) {
   std::ostringstream out;
   const Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0), out);

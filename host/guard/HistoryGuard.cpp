@@ -50,6 +50,12 @@ bool IsSameFile(const std::string& path, const std::string& other) {
          one.st_dev == two.st_dev && one.st_ino == two.st_ino;
 }
 
+// What stood in a file's place can be a directory.
+void Remove(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove_all(path, ignored);
+}
+
 bool Sync(const std::string& path, int flags) {
   const int fd = open(path.c_str(), flags | O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (fd < 0) return false;
@@ -73,7 +79,10 @@ bool Write(const std::string& path, const std::string& bytes) {
   const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (fd < 0) return false;
   const bool written = WriteAll(fd, bytes) && fsync(fd) == 0;
-  return close(fd) == 0 && written;
+  const int reason = errno;
+  const bool closed = close(fd) == 0;
+  errno = reason;
+  return closed && written;
 }
 
 // How many records the module keeps of these: a hundred of each type.
@@ -103,30 +112,30 @@ HistoryGuard::HistoryGuard(const std::string& historyPath)
 
 HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
   counts_ = false;
-  std::remove(new_.c_str());
+  Remove(new_);
   Outcome outcome = TakeUpHeld();
   const File good = ReadGood();
-  File history = ReadHistory();
+  const File history = ReadHistory();
+  const File& served = history.state == State::kComplete ? history : good;
   bool lent = false;  // without room for a second copy the module loads the good one itself
-  if (history.state != State::kComplete && good.state == State::kComplete) {
+  if (served.state != State::kComplete) {
+    outcome = BeginAnew(history.state, good.state, outcome);
+  } else if (&served == &good) {
     outcome = Outcome::kPutBack;
     SetAside(history_);
     const bool copied = Replace(history_, good.bytes) || Write(history_, good.bytes);
     lent = !copied && Move(good_, history_);
-    history = good;
-  } else if (history.state != State::kComplete) {
-    outcome = BeginAnew(history.state, good.state, outcome);
   }
 
   bool loaded = false;
-  for (int i = 0; i < kAttempts && !loaded; ++i) loaded = startModule() >= history.records;
+  for (int i = 0; i < kAttempts && !loaded; ++i) loaded = startModule() >= served.records;
   if (!loaded) Move(history_, held_);
   counts_ = loaded && outcome != Outcome::kHeld && !Exists(held_);
   if (!counts_) return Outcome::kHeld;
   // Where the module writes, no only copy may stand.
-  const bool kept = lent                          ? Move(history_, good_)
-                    : history.bytes != good.bytes ? Keep(history.bytes)
-                                                  : true;
+  const bool kept = lent                         ? Move(history_, good_)
+                    : served.bytes != good.bytes ? Keep(served.bytes)
+                                                 : true;
   return kept ? outcome : Outcome::kNotCopied;
 }
 
@@ -179,16 +188,22 @@ bool HistoryGuard::Keep(const std::string& bytes) const {
 bool HistoryGuard::SetAside(const std::string& path) const {
   if (!Exists(path)) return true;
   if (Exists(newerAside_)) {
-    std::error_code ignored;
-    std::filesystem::remove_all(olderAside_, ignored);  // it can be a directory
+    Remove(olderAside_);
     if (!Move(newerAside_, olderAside_)) return false;
   }
   return Move(path, newerAside_);
 }
 
+// On a full disk the history comes before what was set aside.
 bool HistoryGuard::Replace(const std::string& path, const std::string& bytes) const {
-  if (Write(new_, bytes) && Move(new_, path)) return true;
-  std::remove(new_.c_str());
+  bool written = Write(new_, bytes);
+  if (!written && errno == ENOSPC) {
+    Remove(newerAside_);
+    Remove(olderAside_);
+    written = Write(new_, bytes);
+  }
+  if (written && Move(new_, path)) return true;
+  Remove(new_);
   return false;
 }
 
