@@ -113,13 +113,14 @@ HistoryGuard::HistoryGuard(const std::string& historyPath)
 HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
   counts_ = false;
   Remove(new_);
-  Outcome outcome = TakeUpHeld();
+  const bool wasHeld = TakeUpHeld();
   const File good = ReadGood();
   const File history = ReadHistory();
   const File& served = history.state == State::kComplete ? history : good;
+  Outcome outcome = wasHeld ? Outcome::kPutBack : Outcome::kGood;
   bool lent = false;  // without room for a second copy the module loads the good one itself
   if (served.state != State::kComplete) {
-    outcome = BeginAnew(history.state, good.state, outcome);
+    outcome = BeginAnew(history.state, good.state, wasHeld);
   } else if (&served == &good) {
     outcome = Outcome::kPutBack;
     SetAside(history_);
@@ -129,7 +130,7 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
 
   bool loaded = false;
   for (int i = 0; i < kAttempts && !loaded; ++i) loaded = startModule() >= served.records;
-  if (!loaded) Move(history_, held_);
+  if (!loaded) Hold(history_);
   counts_ = loaded && outcome != Outcome::kHeld && !Exists(held_);
   if (!counts_) return Outcome::kHeld;
   // Where the module writes, no only copy may stand.
@@ -140,7 +141,7 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
 }
 
 HistoryGuard::Outcome HistoryGuard::AfterSave() {
-  if (!counts_ && !Exists(held_)) Move(good_, held_);
+  if (!counts_) Hold(good_);
   const File history = ReadHistory();
   if (history.state != State::kComplete) return Outcome::kIncomplete;
   if (!counts_) return Outcome::kNotCounted;
@@ -148,31 +149,30 @@ HistoryGuard::Outcome HistoryGuard::AfterSave() {
 }
 
 // What the last run could not read comes before what it saved.
-HistoryGuard::Outcome HistoryGuard::TakeUpHeld() const {
-  if (!Exists(held_)) return Outcome::kGood;
+bool HistoryGuard::TakeUpHeld() const {
+  if (!Exists(held_)) return false;
   SetAside(history_);
-  if (Read(held_).state == State::kComplete) {
-    Move(held_, history_);
-    return Outcome::kPutBack;
-  }
-  SetAside(held_);
-  return Outcome::kSetAside;
+  return Move(held_, history_);
 }
 
-// No file is complete. What may become readable again is held, once; what is damaged is set aside.
-HistoryGuard::Outcome HistoryGuard::BeginAnew(State history, State good, Outcome outcome) const {
+// No file is complete. What may become readable again is held, once; any other is set aside.
+HistoryGuard::Outcome HistoryGuard::BeginAnew(State history, State good, bool wasHeld) const {
   if (!IsDirectory(directory_)) return Outcome::kHeld;
-  if (history == State::kUnreadable) {
-    Move(history_, held_);
+  if (history == State::kUnreadable && !wasHeld) {
+    Hold(history_);
     return Outcome::kHeld;
   }
-  if (history == State::kDamaged) SetAside(history_);
+  if (history != State::kMissing) SetAside(history_);
   if (good == State::kUnreadable) {
-    Move(good_, held_);
+    Hold(good_);
     return Outcome::kHeld;
   }
-  const bool damaged = history == State::kDamaged || good == State::kDamaged;
-  return damaged ? Outcome::kSetAside : outcome;
+  const bool nothingThere = history == State::kMissing && good == State::kMissing;
+  return nothingThere ? Outcome::kGood : Outcome::kSetAside;
+}
+
+void HistoryGuard::Hold(const std::string& path) const {
+  if (!Exists(held_)) Move(path, held_);
 }
 
 // Makes the complete history file the good copy: by a copy, else, for which no room is needed, by
@@ -250,8 +250,10 @@ HistoryGuard::File HistoryGuard::Read(const std::string& path) {
 HistoryGuard::File HistoryGuard::ReadOnce(const std::string& path) {
   File file;
   if (!NS_CALLLOG::ReadXmlFile(path, &file.bytes)) {
-    const State unread = errno == ENOENT ? State::kMissing : State::kUnreadable;
-    return {errno == 0 ? State::kDamaged : unread, {}, 0};
+    const int reason = errno;
+    if (reason == 0) return {State::kDamaged, {}, 0};
+    const bool missing = reason == ENOENT || !Exists(path);
+    return {missing ? State::kMissing : State::kUnreadable, {}, 0};
   }
   TiXmlDocument document;
   const bool parsed = NS_CALLLOG::ParseXml(&document, file.bytes);

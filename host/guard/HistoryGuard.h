@@ -1,22 +1,24 @@
 // Keeps the call history through power cuts, full disks and read errors. The module writes its
 // history file in place, and takes a file that it cannot load for an empty history. The guard holds
 // a complete copy beside that file: it looks at the file before the module loads it, and at what a
-// save has made of it. Between two saves the history is as it was before or after one of them.
+// save has made of it. Whatever fails at whatever moment, the next start finds the history as it was
+// before the last save or after it.
 //
 // Beside call_data.xml, in the same directory, which must be writable:
 //   call_data.xml.good       the last good copy: complete, and synced to the disk
 //   call_data.xml.good.new   a file on its way to its name; what is left of one goes at the start
 //   call_data.xml.held       a history that could not be read in the last run; it comes back at the
 //                            next start, before whatever was saved meanwhile
-//   call_data.xml.aside-1    what was found damaged, or was saved while a history was held; people
-//   call_data.xml.aside-2    may find calls in it. 1 is the newer; when a third comes, the older
-//   goes
+//   call_data.xml.aside-1    what was found damaged, or was saved while a history was held: people
+//   call_data.xml.aside-2    may find calls in it. 1 is the newer. The older goes when a third
+//                            comes; both go when the disk is full
 //
 // A file is complete when the module's own reader loads it and finds the root element in it; one
 // without records is complete too. Who deletes the history deletes all of these, with the process
 // down.
 //
-// Thread: the one that enters the module. POSIX file calls only; nothing is thrown or printed.
+// Thread: the one that enters the module. POSIX file calls only; nothing is printed, and nothing is
+// thrown but what the caller's own function throws.
 #pragma once
 
 #include <functional>
@@ -37,7 +39,7 @@ class HistoryGuard {
     kSetAside,
     // Start: there is a history, but it cannot be read now, or the module did not load all of it in
     // three attempts, or its directory is missing. It is held for the next start; until then the
-    // module runs with what it has.
+    // module runs with what it has. What cannot be read at the next start either is set aside.
     kHeld,
     // AfterSave: the file is complete, but it was saved in a run that started with kHeld. The next
     // start sets it aside.
@@ -69,7 +71,8 @@ class HistoryGuard {
   Outcome Start(const ModuleStart& startModule);
 
   // Makes the file that the module has just saved the good copy. Call it at once when
-  // CCallLogController::OnMessage or SaveToFile() has returned 1.
+  // CCallLogController::OnMessage or SaveToFile() has returned 1. It waits for the disk three
+  // times: for the file, for its copy, for the directory.
   Outcome AfterSave();
 
  private:
@@ -84,8 +87,9 @@ class HistoryGuard {
   static File ReadOnce(const std::string& path);
   File ReadGood() const;
   File ReadHistory() const;
-  Outcome TakeUpHeld() const;
-  Outcome BeginAnew(State history, State good, Outcome outcome) const;
+  bool TakeUpHeld() const;
+  Outcome BeginAnew(State history, State good, bool wasHeld) const;
+  void Hold(const std::string& path) const;
   bool Keep(const std::string& bytes) const;
   bool SetAside(const std::string& path) const;
   bool Replace(const std::string& path, const std::string& bytes) const;
