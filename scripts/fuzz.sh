@@ -34,26 +34,35 @@ more_seeds() {
   esac
 }
 
-# run TARGET: the summary line on standard output; for a finding also its stack and its input.
-run() {
-  local target=$1 corpus=$tree/corpus/$1 log=$tree/$1.log status=0
-  mkdir -p "$corpus"
-  TMPDIR=$work ASAN_OPTIONS=detect_stack_use_after_return=1 \
-    "$tree/bin/fuzz_$target" -max_total_time="$seconds" -max_len="$(max_len "$target")" \
-    -timeout=10 -rss_limit_mb=1024 -dict="$fuzz/$target.dict" -print_final_stats=1 \
-    -artifact_prefix="$tree/findings/$target-" \
-    "$corpus" "$fuzz/seeds/$target" $(more_seeds "$target") >"$log" 2>&1 || status=$?
-  awk -v target="$target" '
-    /^Done/ || /^#/ { for (i = 1; i < NF; ++i) { if ($i == "cov:") cov = $(i + 1); if ($i == "corp:") corp = $(i + 1) } }
+# What the log of TARGET says of its finding: the check or the sanitizer's word, the places in this
+# tree, and the input.
+explain() {
+  grep -aE "runtime error:|ERROR: |: Failure$|^Expected|^    Which is:|^ +#.* $top/" "$tree/$1.log" |
+    cut -c1-300 | head -40
+  sed -n 's/.*Test unit written to /input: /p' "$tree/$1.log" | head -1
+}
+
+summary() {
+  awk -v target="$1" '
     /^#/ { runs = substr($1, 2) }
     /^Done/ { runs = $2; seconds = $5 }
-    END { printf "%-13s %9d runs  %5s s  coverage %5d  corpus %s\n", target, runs, seconds ? seconds : "-", cov, corp }' "$log"
-  [ "$status" -eq 0 ] && return
-  printf '%s: a finding\n' "$target"
-  grep -aE -A40 '^==[0-9]+==? ?ERROR|runtime error:|Failure$|ALARM' "$log" | head -60
-  grep -a 'Test unit written to' "$log"
-  return 1
+    /^#/ { for (i = 1; i < NF; ++i) { if ($i == "cov:") cov = $(i + 1); if ($i == "corp:") corpus = $(i + 1) } }
+    END { printf "%-13s %9d runs %5s s   coverage %5d   corpus %s\n", target, runs, seconds ? seconds : "-", cov, corpus ? corpus : "-" }
+  ' "$tree/$1.log"
 }
-export -f run max_len more_seeds
+
+run() {
+  local corpus=$tree/corpus/$1 status=0
+  mkdir -p "$corpus"
+  TMPDIR=$work "$tree/bin/fuzz_$1" -max_total_time="$seconds" -max_len="$(max_len "$1")" \
+    -timeout=10 -rss_limit_mb=1024 -dict="$fuzz/$1.dict" -artifact_prefix="$tree/findings/$1-" \
+    "$corpus" "$fuzz/seeds/$1" $(more_seeds "$1") >"$tree/$1.log" 2>&1 || status=$?
+  local text
+  text=$(summary "$1")
+  [ "$status" -eq 0 ] || text+=$(printf '\n%s: a finding, see %s\n' "$1" "$tree/$1.log"; explain "$1")
+  printf '%s\n' "$text"  # at once: others print, too
+  return "$status"
+}
+export -f run max_len more_seeds summary explain
 export tree fuzz top seconds work
-printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'run {}' || { echo "findings in $tree/findings"; exit 1; }
+printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'run {} || exit 1' || exit 1
