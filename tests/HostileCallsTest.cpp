@@ -3,6 +3,7 @@
 // calls are found throughout.
 #include <algorithm>
 
+#include "HeapInUse.h"
 #include "PhoneTest.h"
 #include "PlainModel.h"
 
@@ -185,7 +186,7 @@ TEST_F(HostileCallsTest, NothingGrowsButTheHistory) {
       call.remote_display_name = std::string(kName, '~');
       EXPECT_EQ(CallLog_AddLog(call), 0);
     }
-    return AllocatedBytes();
+    return HeapInUse();
   };
   const std::size_t full = addMany();
   EXPECT_LT(addMany(), full + 200 * kName);

@@ -1,15 +1,10 @@
 #include "PhoneTest.h"
 
-#include <malloc.h>
-
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <sstream>
 #include <system_error>
-
-// AddressSanitizer brings an allocator of its own.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace desk {
 
@@ -39,13 +34,6 @@ void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file << bytes;
   ASSERT_TRUE(file.flush()) << path;
-}
-
-std::size_t AllocatedBytes() {
-  if (__sanitizer_get_current_allocated_bytes != nullptr) {
-    return __sanitizer_get_current_allocated_bytes();
-  }
-  return mallinfo2().uordblks;
 }
 
 PhoneTest::PhoneTest() : startedIn_(std::filesystem::current_path()) {

@@ -31,9 +31,6 @@ class TemporaryDirectory {
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& bytes);
 
-// What this process has allocated and not freed.
-std::size_t AllocatedBytes();
-
 // The working directory is the phone's root, with config/data/ in it; the time zone is UTC; the
 // clock stands at 2026-10-07 09:00:00; "HistorySavedSwitch" is 1. The module is not yet running:
 // the first call of a test starts it.
