@@ -49,7 +49,7 @@ class SoakTest : public ServerTest, public ModelDriver {
     curve << "calls,heap,emptied,resident\n";
     Begin(seed, kStepsBetweenRestarts);
     CallLog_RegisterMessage();
-    const int interval = std::max(kFirst, wantedCalls / 200);
+    const int interval = std::max(kFirst, wantedCalls / 100);
     for (int next = kFirst; calls() < wantedCalls && !HasFailure();) {
       Step();
       if (OneIn(150)) ChangeSources();
