@@ -10,6 +10,7 @@
 namespace desk {
 namespace {
 
+constexpr char kGoodId[] = "1999999999.77";
 constexpr char kGoodRow[] =
     R"("","4411","100","in","""Eve"" <4411>","SIP/4411-a1","SIP/100-b2","Dial","x",)"
     R"("2026-05-04 08:58:12","","2026-05-04 08:58:20",8,0,"NO ANSWER","DOC","1999999999.77","")"
@@ -51,6 +52,7 @@ void FuzzOne(const std::string& input) {
   const CdrImport import = Read(input);
   CheckCalls(import);
   CheckBadRows(import, 1 + static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n')));
+  if (input.find(kGoodId) != std::string::npos) return;  // legs of one call
   const CdrImport more = Read(input + "\n" + kGoodRow);
   EXPECT_EQ(more.rows, import.rows + 1);
   EXPECT_EQ(more.bad.size(), import.bad.size());
