@@ -60,8 +60,8 @@ class HistoryGuard {
   //     CCallLogController::ReleaseInstance();
   //     CallLogSimpleListData page;
   //     page.request_count = 1;
-  //     CCallLogController::GetInstance()->GetLogListByClickAction(&page,
-  //                                                                "OpenSubPage(call_log_0)");
+  //     const auto* const history = CCallLogController::GetInstance();
+  //     if (history != nullptr) history->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
   //     return page.total;
   using ModuleStart = std::function<int()>;
 

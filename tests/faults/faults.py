@@ -21,6 +21,7 @@ from pathlib import Path
 SUFFIXES = ("", ".good", ".good.new", ".held", ".aside-1", ".aside-2")
 NAMES = ["call_data.xml" + suffix for suffix in SUFFIXES]
 TIME_LIMIT = 60  # seconds; a run takes a fraction of one
+EMULATED_STEP = 5  # behind an emulator, which is slow, only each fifth place of a fault is tried
 ADD, LIST = ("add", "1"), ("list",)
 KILL = "signal=KILL:when={}"
 
@@ -76,6 +77,7 @@ class Phone:
 
     def __init__(self, program, directory):
         self.program = program
+        self.step = 1 if len(program) == 1 else EMULATED_STEP
         self.root = directory / "phone"
         self.data = self.root / "config/data"
         self.history = self.data / NAMES[0]
@@ -181,7 +183,7 @@ def injected(tally, phone, call, fault, words, first=1, last=None, state=whole, 
     """Runs the phone with the fault at its first, second, ... such call, until a run meets none.
 
     `fault` is what strace's option takes, with {} for the number: "error=EIO:when={}"."""
-    for number in itertools.count(first):
+    for number in itertools.count(first, phone.step):
         if last is not None and number > last:
             return
         phone.reset()
@@ -202,6 +204,7 @@ def injected(tally, phone, call, fault, words, first=1, last=None, state=whole, 
         if not killed and done.returncode != 0:
             tally.run(False, f"{what}: ended with {done.returncode}: {done.err[-2000:]}")
             continue
+        done.number = number
         yield what, done
 
 
@@ -266,10 +269,10 @@ def killed_in_place(tally, phone):
     start = phone.calls(*LIST)
     saving = phone.calls(*ADD)[len(start):]
     for call in sorted(set(saving)):
-        kills = injected(tally, phone, call, KILL, ADD, start.count(call) + 1)
-        for number, (what, _) in enumerate(kills):
-            first = call == saving[0] and number == 0
-            complete = call == saving[-1] and number == saving.count(call) - 1
+        for what, done in injected(tally, phone, call, KILL, ADD, start.count(call) + 1):
+            number = done.number - start.count(call)
+            first = call == saving[0] and number == 1
+            complete = call == saving[-1] and number == saving.count(call)
             right = "before" if first else "after" if complete else "nothing"
             outcome = phone.outcome()
             tally.run(outcome == right, f"{what}: {outcome} instead of {right}")
@@ -388,7 +391,7 @@ def power_cut(tally, phone):
 
 def cut_anywhere(tally, phone):
     size = phone.history.stat().st_size
-    for length in range(0, size, 2003):
+    for length in range(0, size, 2003 * phone.step):
         for name, damage in itertools.product(NAMES[:2], ("cut", "zeros")):
             phone.reset()
             path = phone.data / name
@@ -411,7 +414,7 @@ def limited(tally, phone):
     phone.reset()
     phone.run(*ADD)
     size = phone.history.stat().st_size
-    for limit in [*range(0, size - 3, 4096), size - 3, size]:
+    for limit in [*range(0, size - 3, 4096 * phone.step), size - 3, size]:
         def prepare():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
@@ -439,7 +442,7 @@ def small(tally, phone):
     grown = with_call(before, 1, LONG)
     allowed = [before, grown, with_call(before, 2, LONG), with_call(grown, 2, LONG)]
     size = sum(path.stat().st_size for path in phone.prepared.iterdir())
-    for room in range(0, size, len(LONG)):
+    for room in range(0, size, len(LONG) * phone.step):
         phone.reset()
         leave(room)
         phone.run(*ADD, "long")
