@@ -24,7 +24,8 @@ using NS_CALLLOG::CCallLogController;
 using Outcome = HistoryGuard::Outcome;
 
 // Lets everything that needs the resource fail while it lives: RLIMIT_FSIZE each write,
-// RLIMIT_NOFILE each open.
+// RLIMIT_NOFILE each open. UndefinedBehaviorSanitizer opens a pipe when it meets a class for the
+// first time, so a start without files is never a test's first.
 class Without {
  public:
   explicit Without(__rlimit_resource resource) : resource_(resource) {
@@ -277,6 +278,12 @@ TEST_F(HistoryGuardTest, StartsTheModuleAgainThatLoadedTooLittle) {
 }
 
 TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {
+  Lay("<root_call_log><item/></root_call_log>", whole);
+  WriteFile(Beside(".held"), "<");
+  EXPECT_EQ(Start(), Outcome::kPutBack);
+  EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 0}, {".aside-2", 1}}));
+  ExpectGoesOn(kCalls);
+
   const std::optional<std::string> none;
   for (const auto& [history, good] :
        {std::pair(std::optional(whole), std::optional(whole)),
@@ -291,12 +298,6 @@ TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {
   EXPECT_EQ(StartWithout(RLIMIT_NOFILE), Outcome::kHeld);
   EXPECT_EQ(StartWithout(RLIMIT_NOFILE), Outcome::kSetAside) << "it will not be read any more";
   ExpectGoesOn(0);
-
-  Lay("<root_call_log><item/></root_call_log>", whole);
-  WriteFile(Beside(".held"), "<");
-  EXPECT_EQ(Start(), Outcome::kPutBack);
-  EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 0}, {".aside-2", 1}}));
-  ExpectGoesOn(kCalls);
 
   // Its directory is not there yet.
   const fs::path directory = HistoryFile().parent_path();

@@ -163,7 +163,7 @@ class SoakTest : public ServerTest, public ModelDriver {
   // Beyond these bounds, it grows. The log server's threads, which take what they need when they
   // serve for the first time, stay within them.
   void Measure() {
-    constexpr std::size_t kHeapSlack = 128 * 1024;
+    constexpr std::size_t kHeapSlack = 96 * 1024;
     constexpr std::size_t kResidentSlack = 8 * 1024 * 1024;
     Memory now;
     now.heap = HeapInUse();
