@@ -10,7 +10,7 @@ namespace {
 class ModelTest : public ModelDriver {
  protected:
   void Run(unsigned int seed) {
-    constexpr int kSteps = 100000;
+    constexpr int kSteps = 20000;
     constexpr int kStepsBetweenRestarts = 500;
     Begin(seed, kStepsBetweenRestarts);
     for (int step = 0; step < kSteps && !HasFailure(); ++step) Step();
