@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Makes the system fail under a phone that loads and saves its history, and looks at what is left.
 
-faults.py GROUP PROGRAM...    PROGRAM is history_run, behind an emulator if it needs one
+faults.py GROUP N PROGRAM...    PROGRAM is history_run, behind an emulator if it needs one; where
+it is slow, only every Nth kind of fault is tried
 
 A phone with 400 calls runs under a fault, mostly to store one call more. Runs without a fault then
 tell what the history holds. With the guard that must be the history as it was before the save or
@@ -21,7 +22,6 @@ from pathlib import Path
 SUFFIXES = ("", ".good", ".good.new", ".held", ".aside-1", ".aside-2")
 NAMES = ["call_data.xml" + suffix for suffix in SUFFIXES]
 TIME_LIMIT = 60  # seconds; a run takes a fraction of one
-EMULATED_STEP = 16  # behind an emulator, which is slow, only each sixteenth kind of fault is tried
 ADD, LIST = ("add", "1"), ("list",)
 KILL = "signal=KILL:when={}"
 
@@ -75,9 +75,9 @@ STATES = (whole, cut, gone)
 class Phone:
     """A directory with a phone of 400 calls, and the runs in it."""
 
-    def __init__(self, program, directory):
+    def __init__(self, step, program, directory):
         self.program = program
-        self.step = 1 if len(program) == 1 else EMULATED_STEP
+        self.step = step
         self.root = directory / "phone"
         self.data = self.root / "config/data"
         self.history = self.data / NAMES[0]
@@ -589,14 +589,14 @@ def require_ptrace():
         raise Broken(f"strace can inject no fault on this machine: {reason}")
 
 
-def main(group, *program):
+def main(group, step, *program):
     if group == "disk_full":
         enter_mount_namespace()
     tally = Tally()
     try:
         require_ptrace()
         with tempfile.TemporaryDirectory() as directory_name:
-            GROUPS[group](tally, Phone(program, Path(directory_name).resolve()))
+            GROUPS[group](tally, Phone(int(step), program, Path(directory_name).resolve()))
     except Broken as reason:
         sys.exit(f"faults_{group}: {reason}")
     print(f"faults_{group}: {tally.runs} faulted runs, {tally.wrong} went wrong")
@@ -604,6 +604,6 @@ def main(group, *program):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 3 or sys.argv[1] not in GROUPS:
-        sys.exit(f"usage: faults.py {'|'.join(GROUPS)} PROGRAM...")
+    if len(sys.argv) < 4 or sys.argv[1] not in GROUPS or not sys.argv[2].isdigit():
+        sys.exit(f"usage: faults.py {'|'.join(GROUPS)} N PROGRAM...")
     main(*sys.argv[1:])
