@@ -236,7 +236,7 @@ int CBSCallLogModel::MyExecDownload(const std::string& url, bool sync) {
   action->SetCallback(this);
   // Refused, it is destroyed here: nobody will call back with it.
   if (!TaskAction_ExecAction(action.get())) return LIST_STATE_FAILED;
-  action.release();
+  static_cast<void>(action.release());  // its completion brings it back
   return LIST_STATE_DOWNLOADING;
 }
 
