@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every fuzz target for so many seconds (default 30), one per core at a time, or only those
 # named behind: ./test fuzz [SECONDS [TARGET...]]. New inputs are kept in build/fuzz/corpus/TARGET,
-# findings in build/fuzz/findings. A line per target; exit status 1 on any finding.
+# findings in build/fuzz/findings. FUZZ_SEED=N makes up the same inputs each time. A line per target; exit status 1 on any finding.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 seconds=${1:-30}
@@ -54,7 +54,7 @@ summary() {
 run() {
   local corpus=$tree/corpus/$1 status=0
   mkdir -p "$corpus"
-  TMPDIR=$work "$tree/bin/fuzz_$1" -max_total_time="$seconds" -max_len="$(max_len "$1")" \
+  TMPDIR=$work "$tree/bin/fuzz_$1" -max_total_time="$seconds" -seed="${FUZZ_SEED:-0}" -max_len="$(max_len "$1")" \
     -timeout=10 -rss_limit_mb=1024 -dict="$fuzz/$1.dict" -artifact_prefix="$tree/findings/$1-" \
     "$corpus" "$fuzz/seeds/$1" $(more_seeds "$1") >"$tree/$1.log" 2>&1 || status=$?
   local text
