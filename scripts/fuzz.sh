@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs every fuzz target for so many seconds (default 30), one per core at a time, or only those
 # named behind: ./test fuzz [SECONDS [TARGET...]]. New inputs are kept in build/fuzz/corpus/TARGET,
-# findings in build/fuzz/findings. FUZZ_SEED=N makes up the same inputs each time. A line per target; exit status 1 on any finding.
+# findings in build/fuzz/findings. FUZZ_SEED=N makes up the same inputs each time. A line per target;
+# exit status 1 on any finding.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 seconds=${1:-30}
