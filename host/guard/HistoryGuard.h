@@ -1,8 +1,8 @@
 // Keeps the call history through power cuts, full disks and read errors. The module writes its
 // history file in place, and takes a file that it cannot load for an empty history. The guard holds
 // a complete copy beside that file: it looks at the file before the module loads it, and at what a
-// save has made of it. Whatever fails at whatever moment, the next start finds the history as it
-// was before the last save or after it.
+// save has made of it. Whichever call to the system fails, and wherever the power goes, the next
+// start finds the history as it was before the last save or after it.
 //
 // Beside call_data.xml, in the same directory, which must be writable:
 //   call_data.xml.good       the last good copy: complete, and synced to the disk
