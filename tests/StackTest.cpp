@@ -16,7 +16,7 @@ namespace {
 using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
 
-// Half as much again as the deepest takes: reading a document as nested as one may be.
+// A fifth more than the deepest takes: reading a document as nested as one may be, on aarch64.
 constexpr std::size_t kBound = 24 * 1024;
 constexpr unsigned char kPaint = 0xA5;
 
