@@ -53,22 +53,22 @@ bool IsXmlCharacter(char32_t character) {
   return character <= 0x10FFFF && character != 0xFFFE && character != 0xFFFF;
 }
 
-std::size_t AppendXmlCharacter(std::string_view bytes, std::string* out) {
+XmlCharacter FirstXmlCharacter(std::string_view bytes) {
   char32_t character = 0;
   const std::size_t length = DecodeUtf8(bytes, &character);
-  if (length > 0 && IsXmlCharacter(character)) {
-    out->append(bytes.substr(0, length));
-  } else {
-    out->append(kReplacementCharacter);
-  }
-  return length > 0 ? length : 1;
+  if (length == 0) return {1, false};
+  return {length, IsXmlCharacter(character)};
 }
 
 std::string ToXmlText(const std::string& bytes) {
   std::string text;
   std::string_view rest = bytes.c_str();
   text.reserve(rest.size());
-  while (!rest.empty()) rest.remove_prefix(AppendXmlCharacter(rest, &text));
+  while (!rest.empty()) {
+    const XmlCharacter first = FirstXmlCharacter(rest);
+    text.append(first.allowed ? rest.substr(0, first.length) : kReplacementCharacter);
+    rest.remove_prefix(first.length);
+  }
   return text;
 }
 

@@ -6,6 +6,7 @@
 #include <tinyxml.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -19,6 +20,8 @@
 
 namespace NS_CALLLOG {
 namespace {
+
+constexpr std::size_t kUsualFile = 128 * 1024;  // bytes; a full history is smaller
 
 class FileDescriptor {
  public:
@@ -37,39 +40,64 @@ class FileDescriptor {
   int fd_;
 };
 
-bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr auto IsSpace = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+
+bool EndsName(char c) {
+  return IsSpace(c) || std::string_view("<>\"'=&/!?").find(c) != std::string_view::npos;
+}
+
+std::size_t SpacesAtStart(std::string_view text) {
+  const auto end = std::find_if_not(text.begin(), text.end(), IsSpace);
+  return static_cast<std::size_t>(end - text.begin());
+}
 
 bool IsNameStart(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
          static_cast<unsigned char>(c) >= 0x80;
 }
 
+// What most names are made of; other characters are looked at one by one.
+constexpr auto IsPlainNameCharacter = [](char c) {
+  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || c == '_';
+};
+
 // One pass over a document, from `rest_` to `out_`. Where it finds no XML it gives up; so TinyXML,
-// which reads the copy, never sees a tag, a quote or a comment other than this pass has seen.
+// which reads the copy, never sees a tag, a quote or a comment other than this pass has seen. What
+// stays as it is, most of a document, is copied in long runs.
 class PlainXmlWriter {
  public:
-  PlainXmlWriter(std::string_view document, std::string* out) : rest_(document), out_(out) {}
+  PlainXmlWriter(std::string_view document, std::string* out)
+      : rest_(document), run_(document.data()), out_(out) {}
 
   bool Run();
 
  private:
   bool Starts(std::string_view prefix) const { return rest_.substr(0, prefix.size()) == prefix; }
-  void SkipSpaces();
-  bool SkipBadByte();
-  void SkipPast(std::string_view end);
-  void SkipDeclaration();
-  bool CopyNode();
-  bool CopyCData();
-  bool CopyOpenTag();
-  bool CopyCloseTag();
-  bool CopyAttributes();
-  bool CopyAttribute();
-  bool CopyName(std::string_view ends);
-  bool CopyUntil(char end);
-  void CopyAmpersand();
+  bool Begun() const { return !out_->empty() || run_ != rest_.data(); }
+
+  void Keep(std::size_t length) { rest_.remove_prefix(length); }
+  void Replace(std::size_t length, std::string_view text);
+  void Drop(std::size_t length) { Replace(length, {}); }
+  void DropPast(std::string_view end);
+  void DropDeclaration();
+  bool DropBadByte();
+
+  template <class Wanted>
+  void KeepWhile(Wanted wanted);
+  void KeepCharacter();
+  bool KeepNode();
+  bool KeepCData();
+  bool KeepOpenTag();
+  bool KeepCloseTag();
+  bool KeepAttributes();
+  bool KeepAttribute();
+  bool KeepName();
+  bool KeepUntil(char end);
+  void KeepAmpersand();
   std::size_t ReferenceLength(char32_t* character) const;
 
   std::string_view rest_;
+  const char* run_;  // from here to `rest_` everything is kept, and not yet copied
   std::string* const out_;
   int depth_ = 0;
 };
@@ -77,188 +105,198 @@ class PlainXmlWriter {
 // Behind the root element nothing but further nodes counts, as in TinyXML: text ends the document
 // there.
 bool PlainXmlWriter::Run() {
-  if (Starts("\xEF\xBB\xBF")) rest_.remove_prefix(3);
+  if (Starts("\xEF\xBB\xBF")) Drop(3);
   bool anything = false;
   for (;;) {
     if (depth_ == 0) {
-      SkipSpaces();
-      while (out_->empty() && SkipBadByte()) SkipSpaces();
-      if (rest_.empty() || rest_.front() != '<') return anything;
-    } else if (!CopyUntil('<')) {
+      do Drop(SpacesAtStart(rest_));
+      while (!Begun() && DropBadByte());
+      if (rest_.empty() || rest_.front() != '<') break;
+    } else if (!KeepUntil('<')) {
       return false;
     }
-    if (!CopyNode()) return false;
+    if (!KeepNode()) return false;
     anything = true;
   }
+  Drop(0);
+  return anything;
 }
 
-void PlainXmlWriter::SkipSpaces() {
-  while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
-}
-
-// Between tags and attributes a byte that is no character is passed over.
-bool PlainXmlWriter::SkipBadByte() {
-  if (rest_.empty()) return false;
-  std::string character;
-  const std::size_t length = AppendXmlCharacter(rest_, &character);
-  if (character != kReplacementCharacter) return false;
+void PlainXmlWriter::Replace(std::size_t length, std::string_view text) {
+  out_->append(run_, rest_.data());
+  out_->append(text);
   rest_.remove_prefix(length);
-  return true;
+  run_ = rest_.data();
 }
 
-void PlainXmlWriter::SkipPast(std::string_view end) {
+void PlainXmlWriter::DropPast(std::string_view end) {
   const std::size_t found = rest_.find(end);
-  rest_.remove_prefix(found == std::string_view::npos ? rest_.size() : found + end.size());
+  Drop(found == std::string_view::npos ? rest_.size() : found + end.size());
 }
 
 // "<!...>", with a bracketed part when it is a document type.
-void PlainXmlWriter::SkipDeclaration() {
+void PlainXmlWriter::DropDeclaration() {
   int brackets = 0;
-  while (!rest_.empty()) {
-    const char c = rest_.front();
-    rest_.remove_prefix(1);
+  std::size_t length = 0;
+  while (length < rest_.size()) {
+    const char c = rest_[length++];
     if (c == '[') ++brackets;
     if (c == ']') --brackets;
-    if (c == '>' && brackets <= 0) return;
+    if (c == '>' && brackets <= 0) break;
+  }
+  Drop(length);
+}
+
+// Between tags and attributes a byte that is no character is passed over.
+bool PlainXmlWriter::DropBadByte() {
+  if (rest_.empty() || IsPlainXmlText(rest_.front())) return false;
+  const XmlCharacter first = FirstXmlCharacter(rest_);
+  if (!first.allowed) Drop(first.length);
+  return !first.allowed;
+}
+
+template <class Wanted>
+void PlainXmlWriter::KeepWhile(Wanted wanted) {
+  const auto end = std::find_if_not(rest_.begin(), rest_.end(), wanted);
+  Keep(static_cast<std::size_t>(end - rest_.begin()));
+}
+
+void PlainXmlWriter::KeepCharacter() {
+  const XmlCharacter first = FirstXmlCharacter(rest_);
+  if (first.allowed) {
+    Keep(first.length);
+  } else {
+    Replace(first.length, kReplacementCharacter);
   }
 }
 
-bool PlainXmlWriter::CopyNode() {
+bool PlainXmlWriter::KeepNode() {
   if (Starts("<!--")) {
-    rest_.remove_prefix(4);
-    SkipPast("-->");
+    Drop(4);
+    DropPast("-->");
     return true;
   }
-  if (Starts("<![CDATA[")) return CopyCData();
+  if (Starts("<![CDATA[")) return KeepCData();
   if (Starts("<!")) {
-    SkipDeclaration();
+    DropDeclaration();
     return true;
   }
   if (Starts("<?")) {
-    SkipPast("?>");
+    DropPast("?>");
     return true;
   }
-  return Starts("</") ? CopyCloseTag() : CopyOpenTag();
+  return Starts("</") ? KeepCloseTag() : KeepOpenTag();
 }
 
-bool PlainXmlWriter::CopyCData() {
-  rest_.remove_prefix(9);
+bool PlainXmlWriter::KeepCData() {
+  Drop(9);
   while (!Starts("]]>")) {
     if (rest_.empty()) return false;
-    if (rest_.front() == '<' || rest_.front() == '&') {
-      out_->append(rest_.front() == '<' ? "&lt;" : "&amp;");
-      rest_.remove_prefix(1);
+    if (rest_.front() == '<') {
+      Replace(1, "&lt;");
+    } else if (rest_.front() == '&') {
+      Replace(1, "&amp;");
     } else {
-      rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
+      KeepCharacter();
     }
   }
-  rest_.remove_prefix(3);
+  Drop(3);
   return depth_ > 0;
 }
 
-bool PlainXmlWriter::CopyOpenTag() {
+bool PlainXmlWriter::KeepOpenTag() {
   if (depth_ == kMaxXmlDepth) return false;
-  out_->push_back('<');
-  rest_.remove_prefix(1);
-  return CopyName("/>") && CopyAttributes();
+  Keep(1);
+  return KeepName() && KeepAttributes();
 }
 
-bool PlainXmlWriter::CopyCloseTag() {
+bool PlainXmlWriter::KeepCloseTag() {
   if (depth_ == 0) return false;
-  out_->append("</");
-  rest_.remove_prefix(2);
-  if (!CopyName(">")) return false;
-  SkipSpaces();
+  Keep(2);
+  if (!KeepName()) return false;
+  KeepWhile(IsSpace);
   if (!Starts(">")) return false;
-  out_->push_back('>');
-  rest_.remove_prefix(1);
+  Keep(1);
   --depth_;
   return true;
 }
 
 // From behind the element's name to the end of its tag.
-bool PlainXmlWriter::CopyAttributes() {
+bool PlainXmlWriter::KeepAttributes() {
   for (int count = 0;; ++count) {
-    do SkipSpaces();
-    while (SkipBadByte());
+    do KeepWhile(IsSpace);
+    while (DropBadByte());
     if (Starts("/>")) {
-      out_->append("/>");
-      rest_.remove_prefix(2);
+      Keep(2);
       return true;
     }
     if (Starts(">")) {
-      out_->push_back('>');
-      rest_.remove_prefix(1);
+      Keep(1);
       ++depth_;
       return true;
     }
-    if (count == kMaxXmlAttributes || !CopyAttribute()) return false;
+    if (count == kMaxXmlAttributes || !KeepAttribute()) return false;
   }
 }
 
-bool PlainXmlWriter::CopyAttribute() {
-  out_->push_back(' ');
-  if (!CopyName("=")) return false;
-  SkipSpaces();
+bool PlainXmlWriter::KeepAttribute() {
+  if (!KeepName()) return false;
+  KeepWhile(IsSpace);
   if (!Starts("=")) return false;
-  rest_.remove_prefix(1);
-  SkipSpaces();
+  Keep(1);
+  KeepWhile(IsSpace);
   if (!Starts("\"") && !Starts("'")) return false;
   const char quote = rest_.front();
-  rest_.remove_prefix(1);
-  out_->append({'=', quote});
-  if (!CopyUntil(quote)) return false;
-  rest_.remove_prefix(1);
-  out_->push_back(quote);
+  Keep(1);
+  if (!KeepUntil(quote)) return false;
+  Keep(1);
   return true;
 }
 
-// A name, which ends at white space or at one of `ends`; bytes that are no character drop out. What
-// begins otherwise than a name would be no element for TinyXML.
-bool PlainXmlWriter::CopyName(std::string_view ends) {
-  while (SkipBadByte()) {
+// A name, up to what cannot be a part of it; bytes that are no character drop out. What begins
+// otherwise than a name would be no element for TinyXML.
+bool PlainXmlWriter::KeepName() {
+  while (DropBadByte()) {
   }
   if (rest_.empty() || !IsNameStart(rest_.front())) return false;
-  while (!rest_.empty() && !IsSpace(rest_.front()) &&
-         ends.find(rest_.front()) == std::string_view::npos) {
-    constexpr std::string_view kNotInNames = "<>\"'=&/!?";
-    if (kNotInNames.find(rest_.front()) != std::string_view::npos) return false;
-    if (!SkipBadByte()) rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
+  for (;;) {
+    KeepWhile(IsPlainNameCharacter);
+    if (rest_.empty() || EndsName(rest_.front())) return true;
+    if (!DropBadByte()) KeepCharacter();
   }
-  return true;
 }
 
 // Text up to `end`, which stays; false when the document ends first.
-bool PlainXmlWriter::CopyUntil(char end) {
-  while (!rest_.empty() && rest_.front() != end) {
+bool PlainXmlWriter::KeepUntil(char end) {
+  for (;;) {
+    KeepWhile([end](char c) { return IsPlainXmlText(c) && c != '&' && c != end; });
+    if (rest_.empty()) return false;
+    if (rest_.front() == end) return true;
     if (rest_.front() == '&') {
-      CopyAmpersand();
+      KeepAmpersand();
     } else {
-      rest_.remove_prefix(AppendXmlCharacter(rest_, out_));
+      KeepCharacter();
     }
   }
-  return !rest_.empty();
 }
 
 // A reference, or an ampersand that stands for itself. No other may reach TinyXML: behind "&#" it
 // looks for a semicolon as far as the document's end, and swallows the tags on the way.
-void PlainXmlWriter::CopyAmpersand() {
+void PlainXmlWriter::KeepAmpersand() {
   for (const std::string_view entity : {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"}) {
     if (!Starts(entity)) continue;
-    out_->append(entity);
-    rest_.remove_prefix(entity.size());
+    Keep(entity.size());
     return;
   }
   char32_t character = 0;
   const std::size_t length = ReferenceLength(&character);
   if (length == 0) {
-    out_->append("&amp;");
+    Replace(1, "&amp;");
   } else if (IsXmlCharacter(character)) {
-    out_->append(rest_.substr(0, length));
+    Keep(length);
   } else {
-    out_->append(kReplacementCharacter);
+    Replace(length, kReplacementCharacter);
   }
-  rest_.remove_prefix(length > 0 ? length : 1);
 }
 
 // Length of the "&#233;" or "&#xE9;" at the start, 0 when there is none; and the character it
@@ -289,6 +327,7 @@ bool ReadXmlFile(const std::string& path, std::string* bytes) {
   if (file.get() < 0 || fstat(file.get(), &status) != 0) return false;
   errno = 0;
   if (!S_ISREG(status.st_mode) || status.st_size >= INT_MAX) return false;
+  bytes->reserve(std::min(static_cast<std::size_t>(status.st_size), kUsualFile));
   std::array<char, 4096> chunk;
   for (;;) {
     const ssize_t count = read(file.get(), chunk.data(), chunk.size());
