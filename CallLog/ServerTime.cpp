@@ -1,11 +1,12 @@
-// Time stamps by hand: scanf has no answer to a number beyond int.
+// Time stamps by hand: scanf has no answer to a number beyond int, and printf would take a fifth of
+// the time in which a list is read.
 #include "ServerTime.h"
 
 #include <cctype>
 #include <charconv>
 #include <climits>
-#include <cstdio>
 #include <cstring>
+#include <string_view>
 #include <system_error>
 
 namespace NS_CALLLOG {
@@ -22,6 +23,20 @@ const char* ScanNumber(const char* text, int* number) {
   const auto [end, error] = std::from_chars(text, text + std::strlen(text), *number);
   if (error == std::errc::result_out_of_range) *number = negative ? INT_MIN : INT_MAX;
   return end;
+}
+
+// Appends `before` and the number, with at least so many digits.
+void AppendNumber(const char* before, int number, std::size_t digits, std::string* text) {
+  char buffer[11];
+  const char* const end = std::to_chars(buffer, buffer + sizeof buffer, number).ptr;
+  std::string_view shown(buffer, static_cast<std::size_t>(end - buffer));
+  text->append(before);
+  if (number < 0) {
+    text->push_back('-');
+    shown.remove_prefix(1);
+  }
+  if (shown.size() < digits) text->append(digits - shown.size(), '0');
+  text->append(shown);
 }
 
 }  // namespace
@@ -42,14 +57,13 @@ ServerTime ScanServerTime(const char* text) {
 }
 
 std::string FormatServerTime(const ServerTime& time, bool withYear) {
-  char text[100] = {};
-  if (withYear) {
-    std::snprintf(text, sizeof text, "%.2d-%.2d-%.4d %.2d:%.2d:%.2d", time.month, time.day,
-                  time.year, time.hour, time.minute, time.second);
-  } else {
-    std::snprintf(text, sizeof text, "%.2d-%.2d %.2d:%.2d", time.month, time.day, time.hour,
-                  time.minute);
-  }
+  std::string text;
+  AppendNumber("", time.month, 2, &text);
+  AppendNumber("-", time.day, 2, &text);
+  if (withYear) AppendNumber("-", time.year, 4, &text);
+  AppendNumber(" ", time.hour, 2, &text);
+  AppendNumber(":", time.minute, 2, &text);
+  if (withYear) AppendNumber(":", time.second, 2, &text);
   return text;
 }
 
