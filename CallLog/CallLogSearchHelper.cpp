@@ -33,8 +33,40 @@ Row MakeRow(const std::string& name, const std::string& number) {
   return row;
 }
 
-CallLogSearchData MakeRow(const ItemData& hit) {
-  return MakeRow<CallLogSearchData>(hit.remote_display_name, hit.remote_sip_name);
+template <class Row>
+Row MakeRow(const ItemData& hit) {
+  return MakeRow<Row>(hit.remote_display_name, hit.remote_sip_name);
+}
+
+template <class Row>
+Row MakeRow(const stTemp& entry) {
+  return MakeRow<Row>(entry.display_name, entry.number);
+}
+
+// One row for each of the pointers in `entries` that is wanted.
+template <class Row, class Entries>
+void AppendRows(const Entries& entries, const RowRange& wanted, std::list<Row>* rows) {
+  std::list<Row> page;
+  int position = -1;
+  for (const auto& entry : entries) {
+    if (wanted.Contains(++position)) page.push_back(MakeRow<Row>(*entry));
+  }
+  rows->splice(rows->end(), page);
+}
+
+bool IsNameless(const ItemData* item) { return item->remote_display_name.empty(); }
+
+// What inserting one by one comes to where every hit has a name: without one the order depends on
+// who came first.
+void SortHits(std::vector<const ItemData*>* hits) {
+  const auto compare = [](const ItemData* a, const ItemData* b) {
+    const int names = a->remote_display_name.compare(b->remote_display_name);
+    return names != 0 ? names : a->remote_sip_name.compare(b->remote_sip_name);
+  };
+  std::stable_sort(hits->begin(), hits->end(),
+                   [&](const ItemData* a, const ItemData* b) { return compare(a, b) < 0; });
+  const auto same = [&](const ItemData* a, const ItemData* b) { return compare(a, b) == 0; };
+  hits->erase(std::unique(hits->begin(), hits->end(), same), hits->end());
 }
 
 using Tally = std::list<std::unique_ptr<stTemp>>;
@@ -56,17 +88,6 @@ Tally TallyOutgoingCalls(const LogList& records) {
   }
   tally.sort([](const auto& a, const auto& b) { return stTemp::CompareCal(a.get(), b.get()); });
   return tally;
-}
-
-template <class Row>
-void AppendRows(const Tally& tally, const RowRange& wanted, std::list<Row>* rows) {
-  std::list<Row> page;
-  int position = -1;
-  for (const auto& entry : tally) {
-    if (!wanted.Contains(++position)) continue;
-    page.push_back(MakeRow<Row>(entry->display_name, entry->number));
-  }
-  rows->splice(rows->end(), page);
 }
 
 void TraceCount(int count) {
@@ -120,8 +141,15 @@ bool CCallLogSearchHelper::MyReSearch(CallLogSearchListData* result, const std::
   const bool number =
       std::isdigit(static_cast<unsigned char>(first)) != 0 || first == '*' || first == '#';
   m_nSearchType = number ? SEARCH_TYPE_NUMBER : SEARCH_TYPE_NAME;
+  std::vector<const ItemData*> matches;
   for (const auto& item : MyStoredRecords()) {
-    if (MyMatches(*item, key)) MyInsert(item.get());
+    if (MyMatches(*item, key)) matches.push_back(item.get());
+  }
+  if (std::none_of(matches.begin(), matches.end(), IsNameless)) {
+    SortHits(&matches);
+    m_listResult.swap(matches);
+  } else {
+    for (const ItemData* item : matches) MyInsert(item);
   }
   m_strKey = key;
   return MyCopyResult(result, key);
@@ -149,13 +177,8 @@ bool CCallLogSearchHelper::MyCopyResult(CallLogSearchListData* result,
   if (result == nullptr || key.empty()) return false;
   const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
   if (!rows) return false;
-  std::list<CallLogSearchData> page;
-  int row = -1;
-  for (const ItemData* hit : m_listResult) {
-    if (rows->Contains(++row)) page.push_back(MakeRow(*hit));
-  }
-  result->items.splice(result->items.end(), page);
-  result->total = row + 1;
+  AppendRows(m_listResult, *rows, &result->items);
+  result->total = static_cast<int>(m_listResult.size());
   return true;
 }
 
@@ -165,19 +188,12 @@ bool CCallLogSearchHelper::MySearchFromResult(CallLogSearchListData* result,
   const auto rows = RequestedRows(*result, static_cast<int>(m_listResult.size()));
   if (!rows) return false;
   m_strKey.clear();  // half narrowed, the hits would be those of no key
-  std::list<CallLogSearchData> page;
-  int row = -1;
-  for (auto hit = m_listResult.begin(); hit != m_listResult.end();) {
-    if (!MyMatches(**hit, key)) {
-      hit = m_listResult.erase(hit);
-      continue;
-    }
-    if (rows->Contains(++row)) page.push_back(MakeRow(**hit));
-    ++hit;
-  }
+  const auto misses = std::remove_if(m_listResult.begin(), m_listResult.end(),
+                                     [&](const ItemData* hit) { return !MyMatches(*hit, key); });
+  m_listResult.erase(misses, m_listResult.end());
   m_strKey = key;
-  result->items.splice(result->items.end(), page);
-  result->total = row + 1;
+  AppendRows(m_listResult, *rows, &result->items);
+  result->total = static_cast<int>(m_listResult.size());
   return true;
 }
 

@@ -2,9 +2,9 @@
 // the most dialled numbers.
 #pragma once
 
-#include <list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "CallLogModel.h"
 #include "CallLogRecords.h"
@@ -36,6 +36,8 @@ class CCallLogSearchHelper {
   void ResetKey();
 
  private:
+  using Hits = std::vector<const CCallLogModel::ItemData*>;
+
   enum SearchType { SEARCH_TYPE_NONE = 0, SEARCH_TYPE_NUMBER = 1, SEARCH_TYPE_NAME = 2 };
 
   // The store's records, through the controller; none without a controller or a model.
@@ -50,7 +52,7 @@ class CCallLogSearchHelper {
 
   // Hits of the last key, by name and number, each pair once. They point into the store, which
   // calls ResetKey() with every change.
-  std::list<const CCallLogModel::ItemData*> m_listResult;
+  Hits m_listResult;
   std::string m_strKey;  // the last key as it was compared; empty when no search is held
   int m_nSearchType = SEARCH_TYPE_NONE;
 };
