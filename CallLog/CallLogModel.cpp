@@ -6,7 +6,6 @@
 #include <tinyxml.h>
 
 #include <algorithm>
-#include <iterator>
 #include <new>
 
 #include "AccountManager.h"
@@ -27,8 +26,6 @@
 #include "SettingTime.h"
 #include "ThreadTimer.h"
 #include "XmlReader.h"
-
-#include <rapidxml/rapidxml_print.hpp>
 
 using ETL_TraceHelper::etlTrace;
 
@@ -89,14 +86,7 @@ int MarkSeen(const LogList& records, int type, Matches matches) {
 
 void WriteHistory(const LogList& records) {
   etlTrace(3, "--Call log: save call log file begin.");
-  std::string text;
-  {
-    rapidxml::xml_document<> document;
-    rapidxml::xml_node<>* const root = BuildHistoryRoot(&document);
-    for (const auto& item : records) AppendHistoryItem(&document, root, *item);
-    rapidxml::print(std::back_inserter(text), document, 0);
-  }
-  RewriteFile(HistoryPath(), text);
+  RewriteFile(HistoryPath(), PrintHistory(records));
   etlTrace(3, "--Call log: save call log file end.");
 }
 
@@ -175,30 +165,30 @@ int CCallLogModel::AddLog(const CallLogAddItemData& call) {
     if (account != nullptr && !account->IsSaveMissCallLog()) return -1;
   }
 
-  ItemData item;
-  item.type = call.type;
-  item.born_tick = call.born_tick;
-  item.duration = call.duration;
-  item.local_sip_name = call.local_sip_name;
-  item.local_sip_server = call.local_sip_server;
+  auto item = std::make_unique<ItemData>();
+  item->type = call.type;
+  item->born_tick = call.born_tick;
+  item->duration = call.duration;
+  item->local_sip_name = call.local_sip_name;
+  item->local_sip_server = call.local_sip_server;
   etlTrace(3, "--Call log, to add log remote name(%s) forward to number(%s), forward to name(%s)",
            call.remote_display_name.c_str(), call.forward_sip_name.c_str(),
            call.forward_display_name.c_str());
-  item.remote_display_name = ChooseName(call.remote_sip_name, call.remote_display_name);
-  item.remote_sip_name = call.remote_sip_name;
-  item.remote_sip_server = call.remote_sip_server;
-  item.forward_display_name = ChooseName(call.forward_sip_name, call.forward_display_name);
-  etlTrace(3, "--Call log: forwarder name is %s", item.forward_display_name.c_str());
-  item.forward_sip_name = call.forward_sip_name;
-  item.forward_sip_server = call.forward_sip_server;
-  item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
-  item.is_new = true;
+  item->remote_display_name = ChooseName(call.remote_sip_name, call.remote_display_name);
+  item->remote_sip_name = call.remote_sip_name;
+  item->remote_sip_server = call.remote_sip_server;
+  item->forward_display_name = ChooseName(call.forward_sip_name, call.forward_display_name);
+  etlTrace(3, "--Call log: forwarder name is %s", item->forward_display_name.c_str());
+  item->forward_sip_name = call.forward_sip_name;
+  item->forward_sip_server = call.forward_sip_server;
+  item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
+  item->is_new = true;
 
-  const int result = MyInsertLog(item, true);
+  const int result = MyInsertLog(std::move(item), true);
   if (result >= 0) {
-    if (item.type == kMissed) MyAddMissedCall(1);
-    if (item.type == kForwarded) MyAddForwardedCall(1);
-    MyCheckStatus(item.type);
+    if (call.type == kMissed) MyAddMissedCall(1);
+    if (call.type == kForwarded) MyAddForwardedCall(1);
+    MyCheckStatus(call.type);
   }
   return result;
 }
@@ -212,10 +202,12 @@ void CCallLogModel::MyForgetNew(const ItemData& item) {
   }
 }
 
-int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
+int CCallLogModel::MyInsertLog(std::unique_ptr<ItemData> item, bool setDirty) {
+  const int type = item->type;
+  const int bornTick = item->born_tick;
   LogList added;  // allocated first: the store stays as it is when there is no memory
   try {
-    added.push_back(std::make_unique<ItemData>(item));
+    added.push_back(std::move(item));
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -223,12 +215,12 @@ int CCallLogModel::MyInsertLog(const ItemData& item, bool setDirty) {
   int sameType = 0;
   auto place = m_listLog.end();
   for (auto it = m_listLog.begin(); it != m_listLog.end();) {
-    if ((*it)->type == item.type && ++sameType >= kMaxRecordsPerType) {
+    if ((*it)->type == type && ++sameType >= kMaxRecordsPerType) {
       MyForgetNew(**it);
       it = m_listLog.erase(it);
       continue;
     }
-    if (place == m_listLog.end() && (*it)->born_tick < item.born_tick) place = it;
+    if (place == m_listLog.end() && (*it)->born_tick < bornTick) place = it;
     ++it;
   }
   m_listLog.splice(place, added);
@@ -335,11 +327,10 @@ bool CCallLogModel::MyLoadDataFromFile() {
   TiXmlElement* const root = document.FirstChildElement(kHistoryRoot);
   if (root == nullptr) return false;
   bool complete = true;
-  ItemData item;
   for (TiXmlElement* element = root->FirstChildElement(kHistoryItem); element != nullptr;
        element = element->NextSiblingElement(kHistoryItem)) {
-    item.Reset();
-    if (!ReadHistoryItem(element, &item) || MyInsertLog(item, false) < 0) complete = false;
+    auto item = ReadHistoryItem(element);
+    if (item == nullptr || MyInsertLog(std::move(item), false) < 0) complete = false;
   }
   return complete;
 }

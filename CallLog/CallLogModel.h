@@ -85,7 +85,7 @@ class CCallLogModel {
   bool MyInit();
   bool MyFinal();
 
-  int MyInsertLog(const ItemData& item, bool setDirty);
+  int MyInsertLog(std::unique_ptr<ItemData> item, bool setDirty);
   void MyClearLogListByType(int type);
   void MyForgetNew(const ItemData& item);
 

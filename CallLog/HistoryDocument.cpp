@@ -1,9 +1,17 @@
-// Attributes of the history file, in the order in which they are written. Opening the file, and
-// where a record belongs, is the model's.
+// Attributes of the history file, in the order in which they are written. RapidXml prints record by
+// record: its tree of all of them would take more memory than they do themselves.
 #include "HistoryDocument.h"
 
-#include <cstdio>
+// A save runs on the UI thread, whose stack can be small; RapidXml would put 64 KB of its first
+// memory block inside the document object.
+#define RAPIDXML_STATIC_POOL_SIZE 4096
+#include <rapidxml/rapidxml.hpp>
+#include <rapidxml/rapidxml_print.hpp>
+
+#include <algorithm>
+#include <charconv>
 #include <new>
+#include <string_view>
 
 #include "CommonUnits.h"
 #include "TinyXmlHelper.h"
@@ -12,47 +20,93 @@
 namespace NS_CALLLOG {
 namespace {
 
-using Document = rapidxml::xml_document<>;
-using Node = rapidxml::xml_node<>;
+using ItemData = CCallLogModel::ItemData;
 
-// RapidXml keeps pointers: the value is copied into the document's pool, with its terminating NUL.
-void AppendString(Document* document, Node* item, const char* name, const std::string& bytes) {
-  const std::string text = ToXmlText(bytes);
-  const char* const value = document->allocate_string(text.c_str(), text.size() + 1);
-  item->append_attribute(document->allocate_attribute(name, value));
+constexpr std::size_t kUsualLine = 256;       // bytes of one record
+constexpr std::size_t kLongestNumber = 11;    // "-2147483648"
+constexpr std::size_t kLongestReference = 6;  // "&quot;" for one character
+constexpr std::size_t kAroundAttribute = 4;   // a blank, the equals sign, two quotes
+constexpr std::size_t kAroundElement = 4;     // brackets, the slash, the line break
+
+// One record as one line. RapidXml is handed names and values where they stand, with their sizes:
+// they must live until the line is printed.
+class HistoryLine {
+ public:
+  void AppendNumber(std::string_view name, int number);
+  void AppendString(std::string_view name, const std::string& bytes);
+
+  // Appends the line to `text` and begins the next.
+  void PrintTo(std::string* text);
+
+ private:
+  void AppendAttribute(std::string_view name, std::string_view value);
+
+  rapidxml::xml_document<> pool_;
+  rapidxml::xml_node<> item_{rapidxml::node_element};
+  std::size_t room_ = 0;  // bytes that the line takes at most
+  std::string line_;
+};
+
+void HistoryLine::AppendNumber(std::string_view name, int number) {
+  char* const digits = pool_.allocate_string(nullptr, kLongestNumber);
+  const char* const end = std::to_chars(digits, digits + kLongestNumber, number).ptr;
+  AppendAttribute(name, {digits, static_cast<std::size_t>(end - digits)});
 }
 
-void AppendNumber(Document* document, Node* item, const char* name, int number) {
-  char digits[261] = {};
-  std::snprintf(digits, 260, "%d", number);
-  item->append_attribute(document->allocate_attribute(name, document->allocate_string(digits)));
+void HistoryLine::AppendString(std::string_view name, const std::string& bytes) {
+  if (std::all_of(bytes.begin(), bytes.end(), IsPlainXmlText)) {
+    AppendAttribute(name, bytes);
+    return;
+  }
+  const std::string text = ToXmlText(bytes);
+  AppendAttribute(name, {pool_.allocate_string(text.c_str(), text.size() + 1), text.size()});
+}
+
+void HistoryLine::AppendAttribute(std::string_view name, std::string_view value) {
+  item_.append_attribute(
+      pool_.allocate_attribute(name.data(), value.data(), name.size(), value.size()));
+  room_ += name.size() + kLongestReference * value.size() + kAroundAttribute;
+}
+
+void HistoryLine::PrintTo(std::string* text) {
+  item_.name(kHistoryItem, sizeof kHistoryItem - 1);
+  room_ += sizeof kHistoryItem + kAroundElement;
+  if (line_.size() < room_) line_.resize(room_);
+  char* const end = rapidxml::print(line_.data(), item_, 0);
+  text->push_back('\t');
+  text->append(line_.data(), end);
+  item_.remove_all_attributes();
+  pool_.clear();
+  room_ = 0;
 }
 
 }  // namespace
 
-Node* BuildHistoryRoot(Document* document) {
-  const char* const header = document->allocate_string("xml version='1.0' encoding='utf-8'");
-  document->append_node(document->allocate_node(rapidxml::node_pi, header));
-  Node* const root = document->allocate_node(rapidxml::node_element, kHistoryRoot);
-  document->append_node(root);
-  return root;
+std::string PrintHistory(const CCallLogModel::LogList& records) {
+  const std::string root = kHistoryRoot;
+  std::string text = "<?xml version='1.0' encoding='utf-8' ?>\n";
+  if (records.empty()) return text + "<" + root + "/>\n\n";
+  text.reserve((records.size() + 1) * kUsualLine);
+  text += "<" + root + ">\n";
+  HistoryLine line;
+  for (const auto& item : records) {
+    line.AppendNumber("type", item->type);
+    line.AppendNumber("born_tick", item->born_tick);
+    line.AppendString("local_sip_name", item->local_sip_name);
+    line.AppendString("local_sip_server", item->local_sip_server);
+    line.AppendString("remote_display_name", item->remote_display_name);
+    line.AppendString("remote_sip_name", item->remote_sip_name);
+    line.AppendString("remote_sip_server", item->remote_sip_server);
+    line.AppendNumber("duration", item->duration);
+    line.PrintTo(&text);
+  }
+  text += "</" + root + ">\n\n";
+  return text;
 }
 
-void AppendHistoryItem(Document* document, Node* root, const CCallLogModel::ItemData& item) {
-  Node* const node = document->allocate_node(rapidxml::node_element, kHistoryItem);
-  AppendNumber(document, node, "type", item.type);
-  AppendNumber(document, node, "born_tick", item.born_tick);
-  AppendString(document, node, "local_sip_name", item.local_sip_name);
-  AppendString(document, node, "local_sip_server", item.local_sip_server);
-  AppendString(document, node, "remote_display_name", item.remote_display_name);
-  AppendString(document, node, "remote_sip_name", item.remote_sip_name);
-  AppendString(document, node, "remote_sip_server", item.remote_sip_server);
-  AppendNumber(document, node, "duration", item.duration);
-  root->append_node(node);
-}
-
-bool ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item) {
+std::unique_ptr<ItemData> ReadHistoryItem(TiXmlElement* element) {
   try {
+    auto item = std::make_unique<ItemData>();
     item->type = TinyXml_GetIntAttr(element, "type", 0);
     item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
     item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
@@ -62,10 +116,10 @@ bool ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item) {
     item->remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
     item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
     item->duration = TinyXml_GetIntAttr(element, "duration", 0);
+    return item;
   } catch (const std::bad_alloc&) {
-    return false;
+    return nullptr;
   }
-  return true;
 }
 
 }  // namespace NS_CALLLOG
