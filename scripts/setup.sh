@@ -23,10 +23,10 @@ install_missing() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
 }
 
-# print_costs LIBRARY_PRESET TEST_PRESET: the library's size in one build, its stack in another.
+# print_costs LIBRARY_PRESET TEST_PRESET: the library's size in one build, its stack and heap in another.
 print_costs() {
   size "$top/build/$1/lib/libcalllog.so"
-  ctest --test-dir "$top/build/$2" -R '^StackTest' -V | sed -n 's/^[0-9]*:   //p'
+  ctest --test-dir "$top/build/$2" -R '^(Heap|Stack)Test' -V | sed -n 's/^[0-9]*:   //p'
 }
 
 # build PRESET [TARGET...]: configures once, builds what has changed; quiet unless it fails.
