@@ -25,6 +25,7 @@ constexpr int kWrongCommands = 2;
 
 struct Options {
   fs::path root = desk::RootDirectory::Default();
+  bool demo = false;
   fs::path profile;
   std::string script;
   fs::path firstRun;
@@ -41,6 +42,24 @@ desk::Profile DefaultProfile() {
   profile.config = {{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}};
   profile.accounts = {desk::Account(0, "100", "sip.example.org")};
   return profile;
+}
+
+// A phone that is set up with what stands beside the program; what is named goes before it.
+void SetUpDemo(Options* options) {
+  const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
+  const fs::path demo = programs.parent_path() / "share/calllog";
+  for (fs::path* const named : {&options->root, &options->profile, &options->firstRun,
+                                &options->traceFile, &options->documents}) {
+    if (!named->empty()) *named = fs::absolute(*named);
+  }
+  if (options->profile.empty()) options->profile = demo / "profile.toml";
+  if (options->documents.empty()) options->documents = demo / "server";
+  if (isatty(STDIN_FILENO) != 0) {
+    if (options->firstRun.empty()) options->firstRun = demo / "first-day.phone";
+  } else if (options->script.empty()) {
+    options->script = "scenario.phone";
+    fs::current_path(demo);  // for the files that the scenario names
+  }
 }
 
 // Scripts print the same text every time: their clock is their own and starts at a fixed time.
@@ -95,6 +114,9 @@ int RunPhone(const Options& options, bool importing) {
 void AddOptions(CLI::App* app, Options* options) {
   app->add_option("--root", options->root, "directory that holds the phone's whole state")
       ->capture_default_str();
+  app->add_flag(
+      "--demo", options->demo,
+      "a phone that is set up, with a first day of calls; without a terminal its scenario");
   app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
   app->add_option("--script", options->script,
                   "runs the commands of a file (\"-\": standard input) on a clock of its own");
@@ -113,6 +135,7 @@ CLI::App* AddImport(CLI::App* app, Options* options) {
   cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
   cdr->add_option("--server", options->import.server, "SIP server of both parties")
       ->capture_default_str();
+  cdr->excludes(app->get_option("--demo"));
   return cdr;
 }
 
@@ -151,12 +174,14 @@ int main(int argc, char** argv) {
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
       "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"
       "2 when a script held wrong commands.");
+  app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
   CLI::App* const importing = AddImport(&app, &options);
   CLI::App* const serving = AddServer(&app, &options);
   CLI11_PARSE(app, argc, argv);
   try {
     if (serving->parsed()) return RunServer(options);
+    if (options.demo) SetUpDemo(&options);
     return RunPhone(options, importing->parsed());
   } catch (const std::exception& error) {
     std::cout << std::flush;
