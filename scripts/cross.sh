@@ -38,6 +38,7 @@ EOF
   APT_CONFIG="$apt/apt.conf" apt-get install -y -qq --no-install-recommends --download-only \
     $packages >&2
   mkdir -p "$sysroot/dpkg/info"
+  echo 1 >"$sysroot/dpkg/info/format" # its names hold the architecture
   for deb in "$apt"/archives/*.deb; do unpack_into "$sysroot" "$deb"; done
   find "$sysroot" -type l -lname '/*' -printf '%l\0%p\0' |
     while IFS= read -rd '' to && IFS= read -rd '' link; do ln -snf "$sysroot$to" "$link"; done

@@ -1,0 +1,35 @@
+# CPack runs this before it makes the packages: it lays out the papers that Debian wants in each.
+file(READ ${CMAKE_CURRENT_LIST_DIR}/../CHANGELOG.md text)
+if(NOT text MATCHES "\n## \\[([0-9.]+)\\] - ([0-9-]+)\n(.*)")
+  message(FATAL_ERROR "CHANGELOG.md names no version")
+endif()
+set(version ${CMAKE_MATCH_1})
+set(day ${CMAKE_MATCH_2})
+set(changes "${CMAKE_MATCH_3}")
+if(NOT version STREQUAL CPACK_PACKAGE_VERSION)
+  message(FATAL_ERROR "CHANGELOG.md begins with ${version}, but the version is ${CPACK_PACKAGE_VERSION}")
+endif()
+string(REGEX REPLACE "\n## .*" "" changes "${changes}")
+string(REGEX REPLACE "### [^\n]*\n" "" changes "${changes}")
+string(REGEX REPLACE "\n+" "\n" changes "${changes}")
+string(REPLACE "\n  " "\n    " changes "${changes}")
+string(REPLACE "\n- " "\n  * " changes "${changes}")
+execute_process(COMMAND date --utc --rfc-email --date ${day} OUTPUT_VARIABLE date
+                OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+set(changelog "calllog (${version}) stable; urgency=medium
+${changes}
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}
+")
+
+foreach(component ${CPACK_COMPONENTS_ALL})
+  string(TOUPPER ${component} upper)
+  set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
+  set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr/share)
+  file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${share}/doc/${package})
+  file(WRITE ${share}/doc/${package}/changelog "${changelog}")
+  execute_process(COMMAND gzip -9n ${share}/doc/${package}/changelog COMMAND_ERROR_IS_FATAL ANY)
+  if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/${package}.lintian)
+    file(COPY ${CMAKE_CURRENT_LIST_DIR}/${package}.lintian DESTINATION ${share}/lintian/overrides)
+    file(RENAME ${share}/lintian/overrides/${package}.lintian ${share}/lintian/overrides/${package})
+  endif()
+endforeach()
