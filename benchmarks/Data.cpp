@@ -10,7 +10,7 @@ constexpr int kSecondsBetween = 1740;
 
 constexpr const char* kFirstNames[] = {"Anna",  "José",  "Chloë",    "Tom",  "Katharina", "Li",
                                        "Søren", "Priya", "Bernhard", "Ines", "Fatou",     "Agnès"};
-constexpr const char* kLastNames[] = {"Ortega Núñez", "Byrne & Daughters", "Kim", "Müller",
+constexpr const char* kLastNames[] = {"Ortega Núñez", "Byrne & Sons", "Kim", "Müller",
                                       "van den Berg"};
 
 std::string Digits(int number, int width) {

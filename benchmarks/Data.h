@@ -16,7 +16,7 @@ inline constexpr int kCalls = kTypes * kCallsPerType;
 inline constexpr int kPage = 10;  // rows on the display
 
 // The calls of an office, oldest first, the types in turn: 60 parties, 25 of them with missed
-// calls, names of 5 to 25 characters, some with accents. One party alone is called Zimmermann.
+// calls, names of 6 to 22 characters, some with accents. One party alone is called Zimmermann.
 std::vector<CallLogAddItemData> OfficeCalls(int count);
 
 // kCalls calls of as many parties. All the numbers of the first `hits` begin with "0306", and all

@@ -4,9 +4,9 @@
 #include <tinyxml.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <rapidxml/rapidxml.hpp>
 #include <rapidxml/rapidxml_print.hpp>
 
@@ -50,10 +50,13 @@ int Walk(const Records& records, int time) {
 }
 
 int WalkTexts(const Records& records, const std::string& key) {
+  const auto text = std::isdigit(static_cast<unsigned char>(key.front())) != 0
+                        ? &Record::remote_sip_name
+                        : &Record::remote_display_name;
+  const int length = static_cast<int>(key.size());
   int count = 0;
   for (const auto& record : records) {
-    const int length = static_cast<int>(key.size());
-    if (CommonAPI_StringCompare(record->remote_display_name, key, 0, length, false) == 0) ++count;
+    if (CommonAPI_StringCompare((*record).*text, key, 0, length, false) == 0) ++count;
   }
   return count;
 }

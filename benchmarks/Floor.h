@@ -23,7 +23,8 @@ Records MakeRecords(const std::vector<CallLogAddItemData>& calls);
 // Number of the calls that are not newer than `time`: one comparison each.
 int Walk(const Records& records, int time);
 
-// Number of the calls whose name begins with `key`: one comparison of texts each.
+// Number of the calls whose number (when the key is one) or name begins with `key`: one comparison
+// of texts each.
 int WalkTexts(const Records& records, const std::string& key);
 
 // One open, write and close.

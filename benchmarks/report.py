@@ -115,7 +115,7 @@ def judge(figures):
         count = seen.get("instructions", seen.get("written", ""))
         verdict = ("missed" if missed else "met") if cells else "not measured"
         rows.append([text, short(limit), count, seen.get("time", ""), verdict])
-    return table(["aim", "at most", "by count", "by time", ""], rows), good
+    return table(["aim", "at most", "by count", "by time", "verdict"], rows), good
 
 
 def ratios(rows, unit, scale, floors):
