@@ -5,6 +5,8 @@
 
 #include <tinyxml.h>
 
+#include <algorithm>
+
 #include "BSCallLogController.h"
 #include "BSConfigDocument.h"
 #include "CommonAPI.h"
@@ -273,7 +275,7 @@ bool CBSCallLogModel::MyLoadDataFromFile(ListItemData* list, const std::string& 
   list->Reset();
   TiXmlElement* const root = document.RootElement();
   if (root == nullptr) return false;
-  std::list<std::unique_ptr<CallLogDetailData>> records;
+  std::vector<std::unique_ptr<CallLogDetailData>> records;
   for (TiXmlElement* entry = root->FirstChildElement(kEntry); entry != nullptr;
        entry = entry->NextSiblingElement(kEntry)) {
     records.push_back(MyReadEntry(entry));
@@ -338,14 +340,11 @@ bool CBSCallLogModel::MyCopyList(CallLogSimpleListData* list, const ListItemData
   const int total = static_cast<int>(item->records.size());
   const auto rows = RequestedRows(*list, total);
   if (!rows) return false;
-  int position = 0;
-  for (auto record = item->records.begin(); record != item->records.end() && position < rows->to;
-       ++record, ++position) {
-    if (position < rows->from) continue;
-    CallLogSimpleData& row = page.emplace_back();
-    row.display_name =
-        (*record)->display_name.empty() ? (*record)->number : (*record)->display_name;
-    row.time_text = (*record)->time_text;
+  for (int row = std::max(rows->from, 0); row < std::min(rows->to, total); ++row) {
+    const CallLogDetailData& record = *item->records[static_cast<std::size_t>(row)];
+    CallLogSimpleData& shown = page.emplace_back();
+    shown.display_name = record.display_name.empty() ? record.number : record.display_name;
+    shown.time_text = record.time_text;
   }
   list->items.splice(list->items.end(), page);
   list->total = total;
@@ -356,7 +355,7 @@ bool CBSCallLogModel::GetLogDetailByIndex(CallLogDetailData* detail, int index) 
   if (detail == nullptr || index < 0) return false;
   const ListItemData* const item = MyFindItemData(m_strCurrentUrl);
   if (item == nullptr || static_cast<std::size_t>(index) >= item->records.size()) return false;
-  CallLogDetailData whole = **std::next(item->records.begin(), index);
+  CallLogDetailData whole = *item->records[static_cast<std::size_t>(index)];
   *detail = std::move(whole);
   return true;
 }

@@ -2,7 +2,6 @@
 // the views of these lists.
 #pragma once
 
-#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -29,7 +28,7 @@ class CBSCallLogModel : public NS_TA::CTaskActionCallbackBase {
   // One downloaded list.
   class ListItemData {
    public:
-    std::list<std::unique_ptr<CallLogDetailData>> records;  // in document order
+    std::vector<std::unique_ptr<CallLogDetailData>> records;  // in document order
     int state;
 
     ListItemData() { Reset(); }
