@@ -111,15 +111,13 @@ bool PlainXmlWriter::Run() {
     if (depth_ == 0) {
       do Drop(SpacesAtStart(rest_));
       while (!Begun() && DropBadByte());
-      if (rest_.empty() || rest_.front() != '<') break;
+      if (rest_.empty() || rest_.front() != '<') return anything;
     } else if (!KeepUntil('<')) {
       return false;
     }
     if (!KeepNode()) return false;
     anything = true;
   }
-  Drop(0);
-  return anything;
 }
 
 void PlainXmlWriter::Replace(std::size_t length, std::string_view text) {
@@ -147,12 +145,14 @@ void PlainXmlWriter::DropDeclaration() {
   Drop(length);
 }
 
-// Between tags and attributes a byte that is no character is passed over.
+// Between tags and attributes a byte that is no character is passed over, also one that another
+// program, or the decoder, has marked as such.
 bool PlainXmlWriter::DropBadByte() {
   if (rest_.empty() || IsPlainXmlText(rest_.front())) return false;
   const XmlCharacter first = FirstXmlCharacter(rest_);
-  if (!first.allowed) Drop(first.length);
-  return !first.allowed;
+  if (first.allowed && !Starts(kReplacementCharacter)) return false;
+  Drop(first.length);
+  return true;
 }
 
 template <class Wanted>

@@ -250,7 +250,7 @@ TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
       {"&lt;&gt;&amp;&quot;&apos;&#65;&#x42;&#xe9;&#x1F600;", "<>&\"'AB\u00E9\U0001F600"},
       {"&#0;&#1;&#xD800;&#xFFFE;&#99999999999999999999;", Repeat("\uFFFD", 5)},
       {"&foo; & b &#; &#65 &#x &", "&foo; & b &#; &#65 &#x &"},
-      {"a<b\n\r\nc\xC3", "a<b\n\r\nc\uFFFD"}};
+      {"a<b\n\r\nc\xEF\xBF\xBE\xC3", "a<b\n\r\nc\uFFFD\uFFFD"}};
   for (const auto& [text, name] : names) {
     EXPECT_EQ(Rewritten(Root(nameAt(text, 0))), FileText({Call(name)})) << text;
   }
@@ -326,8 +326,8 @@ TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
       Root("&<![CDATA[#]]><b x=\"#65;<z" + attributes + "/>\"/><item/>"),
       Root(Repeat("&#", kMany) + "<item/>"),
       Root("<item remote_sip_name='" + Repeat("&#x", kMany) + "'/>"),
-      "\xFF\n\xC3" + Root("\xC3<it\xFF"
-                          "em \xC3 type\x01='1' \xE2\x82/>\x80"),
+      "\xEF\xBB\xBF\xFF\n\xC3" + Root("\xC3<it\xFF"
+                                      "em \xC3 \uFFFD type\x01='1' \xE2\x82/>\x80"),
   };
   for (const std::string& bytes : files) {
     SCOPED_TRACE(bytes.substr(0, 100));

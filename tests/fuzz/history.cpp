@@ -99,11 +99,12 @@ std::multiset<std::string> TextsOf(const Items& items) {
 }
 
 // Whether a file that a strict parser reads must be read here: nothing is in it that is left out on
-// purpose, as namespaces, other encodings, document types, deep nesting and further records are.
+// purpose, as namespaces, other encodings, document types, deep nesting, further records and, in a
+// tag, the sign for bytes that are no text are.
 bool MustLoad(const std::string& input, const Items& items) {
   constexpr std::string_view kHeader = "<?xml version='1.0' encoding='utf-8' ?>";
   const bool ours = input.compare(0, kHeader.size(), kHeader) == 0;
-  for (const char* word : {":", "encoding", "<!", "7777777"}) {
+  for (const char* word : {":", "encoding", "<!", "7777777", "\xEF\xBF\xBD"}) {
     if (input.find(word, ours ? kHeader.size() : 0) != std::string::npos) return false;
   }
   return items.size() <= 100 && std::count(input.begin(), input.end(), '<') < 128;
