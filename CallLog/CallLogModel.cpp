@@ -74,11 +74,11 @@ std::string HistoryPath() {
 
 // Clears the new mark of the records of `type` that `matches` takes; how many there were.
 template <class Matches>
-int MarkSeen(const LogList& records, int type, Matches matches) {
+int MarkSeen(LogList* records, int type, Matches matches) {
   int seen = 0;
-  for (const auto& item : records) {
-    if (!IsNew(*item, type) || !matches(*item)) continue;
-    item->is_new = false;
+  for (ItemData& item : *records) {
+    if (!IsNew(item, type) || !matches(item)) continue;
+    item.is_new = false;
     ++seen;
   }
   return seen;
@@ -104,9 +104,9 @@ template <class Row, class Fill>
 void TallyNewCalls(const LogList& records, int type, std::list<Row>* rows, Fill fill) {
   std::list<Row> tally = *rows;
   int added = 0;
-  for (const auto& item : records) {
-    if (!IsNew(*item, type)) continue;
-    const std::string& name = FirstNonEmpty(item->remote_display_name, item->remote_sip_name);
+  for (const ItemData& item : records) {
+    if (!IsNew(item, type)) continue;
+    const std::string& name = FirstNonEmpty(item.remote_display_name, item.remote_sip_name);
     auto row = std::find_if(tally.begin(), tally.end(),
                             [&](const Row& other) { return other.display_name == name; });
     if (row == tally.end()) {
@@ -114,8 +114,8 @@ void TallyNewCalls(const LogList& records, int type, std::list<Row>* rows, Fill 
       ++added;
       row = tally.emplace(tally.end());
       row->display_name = name;
-      row->number = item->remote_sip_name;
-      fill(&*row, *item);
+      row->number = item.remote_sip_name;
+      fill(&*row, item);
     }
     ++row->count;
   }
@@ -165,26 +165,27 @@ int CCallLogModel::AddLog(const CallLogAddItemData& call) {
     if (account != nullptr && !account->IsSaveMissCallLog()) return -1;
   }
 
-  auto item = std::make_unique<ItemData>();
-  item->type = call.type;
-  item->born_tick = call.born_tick;
-  item->duration = call.duration;
-  item->local_sip_name = call.local_sip_name;
-  item->local_sip_server = call.local_sip_server;
+  LogList added(1);
+  ItemData& item = added.front();
+  item.type = call.type;
+  item.born_tick = call.born_tick;
+  item.duration = call.duration;
+  item.local_sip_name = call.local_sip_name;
+  item.local_sip_server = call.local_sip_server;
   etlTrace(3, "--Call log, to add log remote name(%s) forward to number(%s), forward to name(%s)",
            call.remote_display_name.c_str(), call.forward_sip_name.c_str(),
            call.forward_display_name.c_str());
-  item->remote_display_name = ChooseName(call.remote_sip_name, call.remote_display_name);
-  item->remote_sip_name = call.remote_sip_name;
-  item->remote_sip_server = call.remote_sip_server;
-  item->forward_display_name = ChooseName(call.forward_sip_name, call.forward_display_name);
-  etlTrace(3, "--Call log: forwarder name is %s", item->forward_display_name.c_str());
-  item->forward_sip_name = call.forward_sip_name;
-  item->forward_sip_server = call.forward_sip_server;
-  item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
-  item->is_new = true;
+  item.remote_display_name = ChooseName(call.remote_sip_name, call.remote_display_name);
+  item.remote_sip_name = call.remote_sip_name;
+  item.remote_sip_server = call.remote_sip_server;
+  item.forward_display_name = ChooseName(call.forward_sip_name, call.forward_display_name);
+  etlTrace(3, "--Call log: forwarder name is %s", item.forward_display_name.c_str());
+  item.forward_sip_name = call.forward_sip_name;
+  item.forward_sip_server = call.forward_sip_server;
+  item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
+  item.is_new = true;
 
-  const int result = MyInsertLog(std::move(item), true);
+  const int result = MyInsertLog(std::move(added), true);
   if (result >= 0) {
     if (call.type == kMissed) MyAddMissedCall(1);
     if (call.type == kForwarded) MyAddForwardedCall(1);
@@ -202,25 +203,19 @@ void CCallLogModel::MyForgetNew(const ItemData& item) {
   }
 }
 
-int CCallLogModel::MyInsertLog(std::unique_ptr<ItemData> item, bool setDirty) {
-  const int type = item->type;
-  const int bornTick = item->born_tick;
-  LogList added;  // allocated first: the store stays as it is when there is no memory
-  try {
-    added.push_back(std::move(item));
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
-
+int CCallLogModel::MyInsertLog(LogList added, bool setDirty) {
+  if (added.empty()) return -1;
+  const int type = added.front().type;
+  const int bornTick = added.front().born_tick;
   int sameType = 0;
   auto place = m_listLog.end();
   for (auto it = m_listLog.begin(); it != m_listLog.end();) {
-    if ((*it)->type == type && ++sameType >= kMaxRecordsPerType) {
-      MyForgetNew(**it);
+    if (it->type == type && ++sameType >= kMaxRecordsPerType) {
+      MyForgetNew(*it);
       it = m_listLog.erase(it);
       continue;
     }
-    if (place == m_listLog.end() && (*it)->born_tick < bornTick) place = it;
+    if (place == m_listLog.end() && it->born_tick < bornTick) place = it;
     ++it;
   }
   m_listLog.splice(place, added);
@@ -229,14 +224,14 @@ int CCallLogModel::MyInsertLog(std::unique_ptr<ItemData> item, bool setDirty) {
 }
 
 bool CCallLogModel::UpdateLog(const CallLogUpdateData& contact) {
-  for (const auto& item : m_listLog) {
-    if (HasNumber(contact, item->remote_sip_name)) {
+  for (ItemData& item : m_listLog) {
+    if (HasNumber(contact, item.remote_sip_name)) {
       MySetDirty(true);
-      item->remote_display_name = FirstNonEmpty(contact.display_name, item->remote_sip_name);
+      item.remote_display_name = FirstNonEmpty(contact.display_name, item.remote_sip_name);
     }
     // The file holds no forward names, so a new one alone is nothing to save.
-    if (item->type == kForwarded && HasNumber(contact, item->forward_sip_name)) {
-      item->forward_display_name = FirstNonEmpty(contact.display_name, item->forward_sip_name);
+    if (item.type == kForwarded && HasNumber(contact, item.forward_sip_name)) {
+      item.forward_display_name = FirstNonEmpty(contact.display_name, item.forward_sip_name);
     }
   }
   return true;
@@ -245,8 +240,8 @@ bool CCallLogModel::UpdateLog(const CallLogUpdateData& contact) {
 bool CCallLogModel::RemoveLog(int type, int index) {
   int row = -1;
   for (auto it = m_listLog.begin(); it != m_listLog.end(); ++it) {
-    if (!IsInView(**it, type) || ++row != index) continue;
-    MyForgetNew(**it);
+    if (!IsInView(*it, type) || ++row != index) continue;
+    MyForgetNew(*it);
     MyCheckStatus(type);
     m_listLog.erase(it);
     MySetDirty(true);
@@ -260,13 +255,13 @@ bool CCallLogModel::RemoveLogList(int type, const std::list<int>& indexes) {
   bool removed = false;
   int row = -1;
   for (auto it = m_listLog.begin(); it != m_listLog.end() && !pending.empty();) {
-    const bool inView = IsInView(**it, type);
+    const bool inView = IsInView(*it, type);
     if (inView) ++row;
     const auto wanted = inView ? std::find(pending.begin(), pending.end(), row) : pending.end();
     if (wanted == pending.end()) {
       ++it;
     } else {
-      MyForgetNew(**it);
+      MyForgetNew(*it);
       it = m_listLog.erase(it);
       pending.erase(wanted);
       removed = true;
@@ -286,7 +281,7 @@ bool CCallLogModel::RemoveAllLogs(int type) {
 }
 
 void CCallLogModel::MyClearLogListByType(int type) {
-  m_listLog.remove_if([type](const auto& item) { return IsInView(*item, type); });
+  m_listLog.remove_if([type](const ItemData& item) { return IsInView(item, type); });
 }
 
 // History file
@@ -329,8 +324,7 @@ bool CCallLogModel::MyLoadDataFromFile() {
   bool complete = true;
   for (TiXmlElement* element = root->FirstChildElement(kHistoryItem); element != nullptr;
        element = element->NextSiblingElement(kHistoryItem)) {
-    auto item = ReadHistoryItem(element);
-    if (item == nullptr || MyInsertLog(std::move(item), false) < 0) complete = false;
+    if (MyInsertLog(ReadHistoryItem(element), false) < 0) complete = false;
   }
   return complete;
 }
@@ -353,25 +347,25 @@ int CCallLogModel::MyGetForwardCount() const { return m_nForwardCount; }
 
 void CCallLogModel::MyClearMissedList() {
   etlTrace(3, "--Call log: begin to clear missed notify list.");
-  MarkSeen(m_listLog, kMissed, AnyRecord);
+  if (m_nMissedCount > 0) MarkSeen(&m_listLog, kMissed, AnyRecord);
   m_nMissedCount = 0;
   MyCheckStatus(kMissed);
 }
 
 void CCallLogModel::MyClearForwardedList() {
   etlTrace(3, "--Call log: begin to clear forward notify list.");
-  MarkSeen(m_listLog, kForwarded, AnyRecord);
+  if (m_nForwardCount > 0) MarkSeen(&m_listLog, kForwarded, AnyRecord);
   m_nForwardCount = 0;
   MyCheckStatus(kForwarded);
 }
 
 void CCallLogModel::RemoveMissedDirtyByNumber(const std::string& strNumber) {
-  MyAddMissedCall(-MarkSeen(m_listLog, kMissed, HasRemoteNumber{strNumber}));
+  MyAddMissedCall(-MarkSeen(&m_listLog, kMissed, HasRemoteNumber{strNumber}));
   MyCheckStatus(kMissed);
 }
 
 void CCallLogModel::RemoveForwardDirtyByNumber(const std::string& strNumber) {
-  MyAddForwardedCall(-MarkSeen(m_listLog, kForwarded, HasRemoteNumber{strNumber}));
+  MyAddForwardedCall(-MarkSeen(&m_listLog, kForwarded, HasRemoteNumber{strNumber}));
   MyCheckStatus(kForwarded);
 }
 
@@ -411,9 +405,9 @@ bool CCallLogModel::GetLogListByType(CallLogSimpleListData* list, int type) {
   if (!rows) return false;
   std::list<CallLogSimpleData> page;
   int row = -1;
-  for (const auto& item : m_listLog) {
-    if (!IsInView(*item, type) || !rows->Contains(++row)) continue;
-    MyID2CLSD(&page.emplace_back(), *item);
+  for (const ItemData& item : m_listLog) {
+    if (!IsInView(item, type) || !rows->Contains(++row)) continue;
+    MyID2CLSD(&page.emplace_back(), item);
   }
   list->items.splice(list->items.end(), page);
   if (type == kMissed || type == kAllTypes) MyClearMissedList();
@@ -425,8 +419,8 @@ bool CCallLogModel::GetLogListByType(CallLogSimpleListData* list, int type) {
 bool CCallLogModel::GetLogDetailByIndex(CallLogDetailData* detail, int type, int index) const {
   if (detail == nullptr || !IsViewType(type) || index < 0) return false;
   int row = -1;
-  for (const auto& item : m_listLog) {
-    if (IsInView(*item, type) && ++row == index) return MyID2CLDD(detail, *item);
+  for (const ItemData& item : m_listLog) {
+    if (IsInView(item, type) && ++row == index) return MyID2CLDD(detail, item);
   }
   return false;
 }
@@ -466,24 +460,24 @@ std::string CCallLogModel::GetImagePathByType(int type) const {
 }
 
 std::string CCallLogModel::GetLastNewInCall() const {
-  for (const auto& item : m_listLog) {
-    if (item->type != kOutgoing) return item->remote_sip_name;
+  for (const ItemData& item : m_listLog) {
+    if (item.type != kOutgoing) return item.remote_sip_name;
   }
   return {};
 }
 
 std::string CCallLogModel::GetLastOutCall() const {
-  for (const auto& item : m_listLog) {
-    if (item->type == kOutgoing) return item->remote_sip_name;
+  for (const ItemData& item : m_listLog) {
+    if (item.type == kOutgoing) return item.remote_sip_name;
   }
   return {};
 }
 
 int CCallLogModel::GetLastOutCallAccounId() {
-  for (const auto& item : m_listLog) {
-    if (item->type != kOutgoing) continue;
+  for (const ItemData& item : m_listLog) {
+    if (item.type != kOutgoing) continue;
     const CAccount* account =
-        CAccountManager::GetInstance()->GetAccountBySIPName(item->local_sip_name);
+        CAccountManager::GetInstance()->GetAccountBySIPName(item.local_sip_name);
     if (account != nullptr && account->IsAccountUsable()) return account->GetAccountId();
   }
   return -1;
@@ -493,9 +487,9 @@ int CCallLogModel::GetLastOutCallAccounId() {
 
 bool CCallLogModel::ResetLogContactName() {
   const bool complete = OrFailure(false, [this] {
-    for (const auto& item : m_listLog) {
-      item->remote_display_name = item->remote_sip_name;
-      if (item->type == kForwarded) item->forward_display_name = item->forward_sip_name;
+    for (ItemData& item : m_listLog) {
+      item.remote_display_name = item.remote_sip_name;
+      if (item.type == kForwarded) item.forward_display_name = item.forward_sip_name;
     }
     return true;
   });
@@ -508,14 +502,14 @@ bool CCallLogModel::ResetLogContactName() {
 void CCallLogModel::UpdateDispName(const std::list<SuperSearchItemData>& names) {
   etlTrace(3, "CCallLogModel::UpdateDispName update begin");
   for (const SuperSearchItemData& entry : names) {
-    for (const auto& item : m_listLog) {
-      if (item->remote_sip_name == entry.number) {
+    for (ItemData& item : m_listLog) {
+      if (item.remote_sip_name == entry.number) {
         MySetDirty(true);
-        item->remote_display_name = entry.display_name;
+        item.remote_display_name = entry.display_name;
       }
-      if (item->forward_sip_name == entry.number) {
+      if (item.forward_sip_name == entry.number) {
         MySetDirty(true);
-        item->forward_display_name = entry.display_name;
+        item.forward_display_name = entry.display_name;
       }
     }
   }

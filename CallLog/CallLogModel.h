@@ -24,6 +24,11 @@ class CCallLogModel {
   // One stored call.
   class ItemData {
    public:
+    // What a walk over the records looks at stands first, where the list's links are.
+    int type;  // 1 to 4; a damaged file can bring in any other
+    int born_tick;
+    int duration;
+    bool is_new;  // added in this run and not yet seen
     std::string local_sip_name;
     std::string local_sip_server;
     std::string remote_display_name;
@@ -33,16 +38,12 @@ class CCallLogModel {
     std::string forward_sip_server;
     std::string forward_display_name;
     std::string key_string;  // key-pad form of the name that the record was built with
-    int type;                // 1 to 4; a damaged file can bring in any other
-    int born_tick;
-    int duration;
-    bool is_new;  // added in this run and not yet seen
 
     ItemData() { Reset(); }
     void Reset();
   };
 
-  using LogList = std::list<std::unique_ptr<ItemData>>;
+  using LogList = std::list<ItemData>;
 
   CCallLogModel();
   ~CCallLogModel();
@@ -85,7 +86,7 @@ class CCallLogModel {
   bool MyInit();
   bool MyFinal();
 
-  int MyInsertLog(std::unique_ptr<ItemData> item, bool setDirty);
+  int MyInsertLog(LogList added, bool setDirty);  // one record; -1 for none
   void MyClearLogListByType(int type);
   void MyForgetNew(const ItemData& item);
 
@@ -105,7 +106,7 @@ class CCallLogModel {
   bool MyID2CLDD(CallLogDetailData* detail, const ItemData& item) const;
   std::string MyGenDurationString(int seconds) const;
 
-  LogList m_listLog;  // all types, by born_tick, newest first; no entry is null
+  LogList m_listLog;  // all types, by born_tick, newest first
   std::unique_ptr<CCallLogSearchHelper> m_pSearchHelper;
   int m_nMissedCount = 0;
   int m_nForwardCount = 0;

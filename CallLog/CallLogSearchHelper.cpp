@@ -74,15 +74,15 @@ using Tally = std::list<std::unique_ptr<stTemp>>;
 // Every dialled number once, the most dialled first; of equally many calls the last dialled first.
 Tally TallyOutgoingCalls(const LogList& records) {
   Tally tally;
-  for (const auto& item : records) {
-    if (item->type != kOutgoing) continue;
+  for (const ItemData& item : records) {
+    if (item.type != kOutgoing) continue;
     auto entry = std::find_if(tally.begin(), tally.end(), [&](const auto& other) {
-      return other->number == item->remote_sip_name;
+      return other->number == item.remote_sip_name;
     });
     if (entry == tally.end()) {
       entry = tally.insert(tally.end(), std::make_unique<stTemp>());
-      (*entry)->display_name = item->remote_display_name;
-      (*entry)->number = item->remote_sip_name;
+      (*entry)->display_name = item.remote_display_name;
+      (*entry)->number = item.remote_sip_name;
     }
     ++(*entry)->count;
   }
@@ -142,8 +142,8 @@ bool CCallLogSearchHelper::MyReSearch(CallLogSearchListData* result, const std::
       std::isdigit(static_cast<unsigned char>(first)) != 0 || first == '*' || first == '#';
   m_nSearchType = number ? SEARCH_TYPE_NUMBER : SEARCH_TYPE_NAME;
   std::vector<const ItemData*> matches;
-  for (const auto& item : MyStoredRecords()) {
-    if (MyMatches(*item, key)) matches.push_back(item.get());
+  for (const ItemData& item : MyStoredRecords()) {
+    if (MyMatches(item, key)) matches.push_back(&item);
   }
   if (std::none_of(matches.begin(), matches.end(), IsNameless)) {
     SortHits(&matches);

@@ -8,7 +8,6 @@
 #include <rapidxml/rapidxml.hpp>
 #include <rapidxml/rapidxml_print.hpp>
 
-#include <algorithm>
 #include <charconv>
 #include <new>
 #include <string_view>
@@ -21,12 +20,23 @@ namespace NS_CALLLOG {
 namespace {
 
 using ItemData = CCallLogModel::ItemData;
+using LogList = CCallLogModel::LogList;
 
 constexpr std::size_t kUsualLine = 256;       // bytes of one record
 constexpr std::size_t kLongestNumber = 11;    // "-2147483648"
 constexpr std::size_t kLongestReference = 6;  // "&quot;" for one character
 constexpr std::size_t kAroundAttribute = 4;   // a blank, the equals sign, two quotes
 constexpr std::size_t kAroundElement = 4;     // brackets, the slash, the line break
+
+// Bytes that the element takes at most when it is printed.
+std::size_t RoomFor(const rapidxml::xml_node<>& element) {
+  std::size_t room = element.name_size() + kAroundElement;
+  for (const auto* attribute = element.first_attribute(); attribute != nullptr;
+       attribute = attribute->next_attribute()) {
+    room += attribute->name_size() + kLongestReference * attribute->value_size() + kAroundAttribute;
+  }
+  return room;
+}
 
 // One record as one line. RapidXml is handed names and values where they stand, with their sizes:
 // they must live until the line is printed.
@@ -43,7 +53,6 @@ class HistoryLine {
 
   rapidxml::xml_document<> pool_;
   rapidxml::xml_node<> item_{rapidxml::node_element};
-  std::size_t room_ = 0;  // bytes that the line takes at most
   std::string line_;
 };
 
@@ -54,7 +63,7 @@ void HistoryLine::AppendNumber(std::string_view name, int number) {
 }
 
 void HistoryLine::AppendString(std::string_view name, const std::string& bytes) {
-  if (std::all_of(bytes.begin(), bytes.end(), IsPlainXmlText)) {
+  if (IsXmlText(bytes)) {
     AppendAttribute(name, bytes);
     return;
   }
@@ -65,60 +74,59 @@ void HistoryLine::AppendString(std::string_view name, const std::string& bytes) 
 void HistoryLine::AppendAttribute(std::string_view name, std::string_view value) {
   item_.append_attribute(
       pool_.allocate_attribute(name.data(), value.data(), name.size(), value.size()));
-  room_ += name.size() + kLongestReference * value.size() + kAroundAttribute;
 }
 
 void HistoryLine::PrintTo(std::string* text) {
   item_.name(kHistoryItem, sizeof kHistoryItem - 1);
-  room_ += sizeof kHistoryItem + kAroundElement;
-  if (line_.size() < room_) line_.resize(room_);
+  const std::size_t room = RoomFor(item_);
+  if (line_.size() < room) line_.resize(room);
   char* const end = rapidxml::print(line_.data(), item_, 0);
   text->push_back('\t');
   text->append(line_.data(), end);
   item_.remove_all_attributes();
   pool_.clear();
-  room_ = 0;
 }
 
 }  // namespace
 
-std::string PrintHistory(const CCallLogModel::LogList& records) {
+std::string PrintHistory(const LogList& records) {
   const std::string root = kHistoryRoot;
   std::string text = "<?xml version='1.0' encoding='utf-8' ?>\n";
   if (records.empty()) return text + "<" + root + "/>\n\n";
   text.reserve((records.size() + 1) * kUsualLine);
   text += "<" + root + ">\n";
   HistoryLine line;
-  for (const auto& item : records) {
-    line.AppendNumber("type", item->type);
-    line.AppendNumber("born_tick", item->born_tick);
-    line.AppendString("local_sip_name", item->local_sip_name);
-    line.AppendString("local_sip_server", item->local_sip_server);
-    line.AppendString("remote_display_name", item->remote_display_name);
-    line.AppendString("remote_sip_name", item->remote_sip_name);
-    line.AppendString("remote_sip_server", item->remote_sip_server);
-    line.AppendNumber("duration", item->duration);
+  for (const ItemData& item : records) {
+    line.AppendNumber("type", item.type);
+    line.AppendNumber("born_tick", item.born_tick);
+    line.AppendString("local_sip_name", item.local_sip_name);
+    line.AppendString("local_sip_server", item.local_sip_server);
+    line.AppendString("remote_display_name", item.remote_display_name);
+    line.AppendString("remote_sip_name", item.remote_sip_name);
+    line.AppendString("remote_sip_server", item.remote_sip_server);
+    line.AppendNumber("duration", item.duration);
     line.PrintTo(&text);
   }
   text += "</" + root + ">\n\n";
   return text;
 }
 
-std::unique_ptr<ItemData> ReadHistoryItem(TiXmlElement* element) {
+LogList ReadHistoryItem(TiXmlElement* element) {
   try {
-    auto item = std::make_unique<ItemData>();
-    item->type = TinyXml_GetIntAttr(element, "type", 0);
-    item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
-    item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
-    item->local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
-    item->remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
-    item->remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
-    item->remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
-    item->key_string = CommonUnits_ToKeyString(item->remote_display_name);
-    item->duration = TinyXml_GetIntAttr(element, "duration", 0);
-    return item;
+    LogList read(1);
+    ItemData& item = read.front();
+    item.type = TinyXml_GetIntAttr(element, "type", 0);
+    item.born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
+    item.local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
+    item.local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
+    item.remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
+    item.remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
+    item.remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
+    item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
+    item.duration = TinyXml_GetIntAttr(element, "duration", 0);
+    return read;
   } catch (const std::bad_alloc&) {
-    return nullptr;
+    return {};
   }
 }
 

@@ -2,7 +2,6 @@
 // where a record belongs, is the model's.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "CallLogModel.h"
@@ -17,8 +16,8 @@ inline constexpr char kHistoryItem[] = "item";
 // The text of the file that holds these records.
 std::string PrintHistory(const CCallLogModel::LogList& records);
 
-// The stored fields of a record from an element of the file, whatever its values are. Null when
-// there is no memory for them.
-std::unique_ptr<CCallLogModel::ItemData> ReadHistoryItem(TiXmlElement* element);
+// The stored fields of one record from an element of the file, whatever its values are. No record
+// when there is no memory for them.
+CCallLogModel::LogList ReadHistoryItem(TiXmlElement* element);
 
 }  // namespace NS_CALLLOG

@@ -1,6 +1,7 @@
 // UTF-8 by the table of its well-formed sequences, and the characters that XML 1.0 allows.
 #include "XmlChars.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace NS_CALLLOG {
@@ -58,6 +59,17 @@ XmlCharacter FirstXmlCharacter(std::string_view bytes) {
   const std::size_t length = DecodeUtf8(bytes, &character);
   if (length == 0) return {1, false};
   return {length, IsXmlCharacter(character)};
+}
+
+bool IsXmlText(std::string_view bytes) {
+  for (;;) {
+    const auto other = std::find_if_not(bytes.begin(), bytes.end(), IsPlainXmlText);
+    if (other == bytes.end()) return true;
+    bytes.remove_prefix(static_cast<std::size_t>(other - bytes.begin()));
+    const XmlCharacter first = FirstXmlCharacter(bytes);
+    if (!first.allowed) return false;
+    bytes.remove_prefix(first.length);
+  }
 }
 
 std::string ToXmlText(const std::string& bytes) {

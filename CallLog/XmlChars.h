@@ -27,6 +27,9 @@ struct XmlCharacter {
 // The first character of `bytes`, which must not be empty.
 XmlCharacter FirstXmlCharacter(std::string_view bytes);
 
+// True when all of `bytes` may stand in a document as it is.
+bool IsXmlText(std::string_view bytes);
+
 // `bytes` up to the first NUL, fit for an XML document: with U+FFFD for what is not allowed.
 std::string ToXmlText(const std::string& bytes);
 

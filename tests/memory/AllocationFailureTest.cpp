@@ -190,9 +190,11 @@ TEST_F(AllocationFailureTest, AFailedSearchShowsNothingAndSpoilsNoOther) {
   ASSERT_EQ(both.size(), 2u);
   ASSERT_EQ(one.size(), 1u);
   Page page;
-  for (const char* key : {"Caller 6", "Caller 62", "225537"}) {
+  for (const std::string& key : {std::string("Caller 6"), std::string("Caller 62"),
+                                 Long("Caller 62"), std::string("225537")}) {
     for (const char* held : {"", "Caller", "Caller 6", "2"}) {
       const auto prepare = [&] {
+        Fill();  // a new search, without room for the key
         Page ignored;
         search(held, &ignored);
         page.Reset();
@@ -204,7 +206,7 @@ TEST_F(AllocationFailureTest, AFailedSearchShowsNothingAndSpoilsNoOther) {
               EXPECT_TRUE(page.items.empty());
             }
             EXPECT_EQ(found("Caller 6"), both);
-            EXPECT_EQ(found(key), std::string(key) == "Caller 62" ? one : both);
+            EXPECT_EQ(found(key), key.find("62") != std::string::npos ? one : both);
           });
     }
   }
