@@ -18,22 +18,14 @@ constexpr char kTable[] =
     " forward_number TEXT NOT NULL, forward_server TEXT NOT NULL, keys TEXT NOT NULL,"
     " is_new INT NOT NULL)";
 
-const char* Indexes(Purpose purpose) {
-  switch (purpose) {
-    case Purpose::kLists:
-      return "CREATE INDEX by_type ON calls (type, born_tick);"
-             "CREATE INDEX by_time ON calls (born_tick)";
-    case Purpose::kNames:
-      return "CREATE INDEX by_type ON calls (type, born_tick);"
-             "CREATE INDEX by_number ON calls (number)";
-    case Purpose::kPrefixes:
-      return "CREATE INDEX by_number ON calls (number, name);"
-             "CREATE INDEX by_keys ON calls (keys, name, number);"
-             "CREATE INDEX by_name ON calls (name COLLATE NOCASE, name, number)";
-    case Purpose::kOrder: return "CREATE INDEX by_order ON calls (name, number, keys)";
-    default: return "CREATE INDEX by_type ON calls (type, born_tick)";
-  }
-}
+constexpr char kUsualIndexes[] =
+    "CREATE INDEX by_type ON calls (type, born_tick);"
+    "CREATE INDEX by_time ON calls (born_tick)";
+
+constexpr char kSearchIndexes[] =
+    "CREATE INDEX by_number ON calls (number, name);"
+    "CREATE INDEX by_keys ON calls (keys, name, number);"
+    "CREATE INDEX by_name ON calls (name COLLATE NOCASE, name, number)";
 
 #define BY_NUMBER "((number >= ?1 AND number < ?2) OR (keys >= ?1 AND keys < ?2))"
 #define BY_NAME "(name COLLATE NOCASE >= ?1 AND name COLLATE NOCASE < ?2)"
@@ -62,11 +54,12 @@ Connection Open(Storage storage) {
   return connection;
 }
 
-Connection Create(Storage storage, Purpose purpose) {
+Connection Create(Storage storage, Indexes indexes) {
   for (const char* end : {"", "-wal", "-shm"}) std::filesystem::remove(FileName(storage) + end);
   Connection connection = Open(storage);
   connection.Execute(kTable);
-  connection.Execute(Indexes(purpose));
+  connection.Execute(kUsualIndexes);
+  if (indexes == Indexes::kSearch) connection.Execute(kSearchIndexes);
   return connection;
 }
 
@@ -99,14 +92,14 @@ const char* NameOf(Storage storage) {
   }
 }
 
-CallDatabase::CallDatabase(Storage storage, Purpose purpose)
-    : connection_(Create(storage, purpose)),
+CallDatabase::CallDatabase(Storage storage, Indexes indexes)
+    : connection_(Create(storage, indexes)),
       begin_(connection_, "BEGIN IMMEDIATE"),
       commit_(connection_, "COMMIT"),
       insert_(connection_, "INSERT INTO calls VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,1)"),
-      removeOldest_(connection_,
-                    "DELETE FROM calls WHERE id = (SELECT id FROM calls WHERE type = ?1"
-                    " ORDER BY born_tick LIMIT 1)"),
+      removeBeyondCap_(connection_,
+                       "DELETE FROM calls WHERE id IN (SELECT id FROM calls WHERE type = ?1"
+                       " ORDER BY born_tick DESC LIMIT -1 OFFSET ?2)"),
       removeNewest_(connection_,
                     "DELETE FROM calls WHERE id = (SELECT id FROM calls WHERE type = ?1"
                     " ORDER BY born_tick DESC LIMIT 1)"),
@@ -115,9 +108,11 @@ CallDatabase::CallDatabase(Storage storage, Purpose purpose)
       page_(connection_,
             "SELECT name, born_tick, type FROM calls WHERE type = ?1"
             " ORDER BY born_tick DESC LIMIT ?2 OFFSET ?3"),
+      total_(connection_, "SELECT count(*) FROM calls WHERE type = ?1"),
       pageOfAll_(connection_,
                  "SELECT name, born_tick, type FROM calls ORDER BY born_tick DESC"
                  " LIMIT ?2 OFFSET ?3"),
+      totalOfAll_(connection_, "SELECT count(*) FROM calls"),
       detail_(connection_,
               "SELECT name, number, server, born_tick, duration, type FROM calls WHERE type = ?1"
               " ORDER BY born_tick DESC LIMIT 1 OFFSET ?2"),
@@ -152,20 +147,14 @@ void CallDatabase::Insert(const CallLogAddItemData& call) {
     insert_.Bind(++parameter, *text);
   }
   insert_.Run();
-  ++counts_[0];
-  ++counts_[static_cast<std::size_t>(call.type)];
 }
 
 void CallDatabase::Add(const CallLogAddItemData& call) {
   begin_.Run();
-  int& count = counts_[static_cast<std::size_t>(call.type)];
-  if (count == kCallsPerType) {
-    removeOldest_.Bind(1, call.type);
-    removeOldest_.Run();
-    --count;
-    --counts_[0];
-  }
   Insert(call);
+  removeBeyondCap_.Bind(1, call.type);
+  removeBeyondCap_.Bind(2, kCallsPerType);
+  removeBeyondCap_.Run();
   commit_.Run();
 }
 
@@ -178,14 +167,11 @@ void CallDatabase::AddAll(const std::vector<CallLogAddItemData>& calls) {
 void CallDatabase::RemoveNewest(int type) {
   removeNewest_.Bind(1, type);
   removeNewest_.Run();
-  --counts_[static_cast<std::size_t>(type)];
-  --counts_[0];
 }
 
 void CallDatabase::ReplaceAll(const std::vector<CallLogAddItemData>& calls) {
   begin_.Run();
   removeAll_.Run();
-  counts_ = {};
   for (const CallLogAddItemData& call : calls) Insert(call);
   commit_.Run();
 }
@@ -202,7 +188,9 @@ void CallDatabase::Rename(const std::list<SuperSearchItemData>& parties) {
 
 void CallDatabase::GetPage(CallLogSimpleListData* page, int type) {
   Statement& rows = type == 0 ? pageOfAll_ : page_;
+  Statement& total = type == 0 ? totalOfAll_ : total_;
   if (type != 0) rows.Bind(1, type);
+  if (type != 0) total.Bind(1, type);
   rows.Bind(2, page->request_count);
   rows.Bind(3, page->request_index);
   while (rows.Step()) {
@@ -212,7 +200,9 @@ void CallDatabase::GetPage(CallLogSimpleListData* page, int type) {
     row.type = rows.Number(2);
   }
   rows.Reset();
-  page->total = counts_[static_cast<std::size_t>(type)];
+  total.Step();
+  page->total = total.Number(0);
+  total.Reset();
 }
 
 void CallDatabase::GetDetail(CallLogDetailData* detail, int type, int row) {

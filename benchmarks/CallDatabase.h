@@ -2,7 +2,6 @@
 // the module's.
 #pragma once
 
-#include <array>
 #include <list>
 #include <string>
 #include <vector>
@@ -23,23 +22,17 @@ inline constexpr Storage kStorages[] = {Storage::kMemory, Storage::kWal, Storage
 
 const char* NameOf(Storage storage);  // of the contestant
 
-// What a table is for decides its indexes: each work is measured on the ones that suit it.
-enum class Purpose {
-  kAdding,    // by type and time
-  kLists,     // also by time alone
-  kNames,     // by type and time, and by number
-  kPrefixes,  // by number, key-pad form and name: finds what begins with a key, then sorts it
-  kOrder,     // by name and number: walks the calls in the order of the answer
+enum class Indexes {
+  kUsual,   // by type and time, and by time
+  kSearch,  // also by number, key-pad form and name, at the cost of every add
 };
 
-// All statements are prepared in the constructor; every change is one transaction. The number of
-// calls of each type is kept beside the table: then no total is counted by SQL, and the cap costs
-// one DELETE. Texts of time and the key-pad form of names come from the same platform as the
-// module's.
+// All statements are prepared in the constructor; every change is one transaction. Texts of time
+// and the key-pad form of names come from the same platform as the module's.
 class CallDatabase {
  public:
   // Replaces what was there.
-  CallDatabase(Storage storage, Purpose purpose);
+  explicit CallDatabase(Storage storage, Indexes indexes = Indexes::kUsual);
 
   void Add(const CallLogAddItemData& call);
   void AddAll(const std::vector<CallLogAddItemData>& calls);
@@ -61,9 +54,8 @@ class CallDatabase {
   void Insert(const CallLogAddItemData& call);
 
   Connection connection_;
-  std::array<int, kTypes + 1> counts_{};  // by type; 0 for all
-  Statement begin_, commit_, insert_, removeOldest_, removeNewest_, removeAll_, rename_;
-  Statement page_, pageOfAll_, detail_;
+  Statement begin_, commit_, insert_, removeBeyondCap_, removeNewest_, removeAll_, rename_;
+  Statement page_, total_, pageOfAll_, totalOfAll_, detail_;
   Statement byNumber_, byNumberTotal_, byName_, byNameTotal_, dialled_, dialledTotal_, missed_;
 };
 

@@ -66,7 +66,7 @@ Operation WritingBytes() {
 
 Operation ReplacingTable(Storage storage) {
   const auto calls = std::make_shared<std::vector<CallLogAddItemData>>(OfficeCalls(kCalls));
-  const auto database = std::make_shared<CallDatabase>(storage, Purpose::kAdding);
+  const auto database = std::make_shared<CallDatabase>(storage);
   database->AddAll(*calls);
   Operation operation;
   operation.run = [calls, database] { database->ReplaceAll(*calls); };
@@ -84,7 +84,7 @@ Operation LoadingModule(int calls) {
 }
 
 Operation ReadingTable() {
-  CallDatabase(Storage::kWal, Purpose::kAdding).AddAll(OfficeCalls(kCalls));
+  CallDatabase(Storage::kWal).AddAll(OfficeCalls(kCalls));
   const auto calls = std::make_shared<std::vector<CallLogAddItemData>>();
   Operation operation;
   operation.run = [calls] { *calls = CallDatabase::ReadAll(Storage::kWal); };

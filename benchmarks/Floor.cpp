@@ -35,17 +35,16 @@ void Append(Document* document, Node* node, const char* name, int number) {
 Records MakeRecords(const std::vector<CallLogAddItemData>& calls) {
   Records records;
   for (const CallLogAddItemData& call : calls) {
-    auto record = std::make_unique<Record>();
-    static_cast<CallLogAddItemData&>(*record) = call;
-    record->key_string = CommonUnits_ToKeyString(call.remote_display_name);
-    records.push_front(std::move(record));
+    Record& record = records.emplace_front();
+    static_cast<CallLogAddItemData&>(record) = call;
+    record.key_string = CommonUnits_ToKeyString(call.remote_display_name);
   }
   return records;
 }
 
 int Walk(const Records& records, int time) {
   int count = 0;
-  for (const auto& record : records) count += record->born_tick <= time ? 1 : 0;
+  for (const Record& record : records) count += record.born_tick <= time ? 1 : 0;
   return count;
 }
 
@@ -55,8 +54,8 @@ int WalkTexts(const Records& records, const std::string& key) {
                         : &Record::remote_display_name;
   const int length = static_cast<int>(key.size());
   int count = 0;
-  for (const auto& record : records) {
-    if (CommonAPI_StringCompare((*record).*text, key, 0, length, false) == 0) ++count;
+  for (const Record& record : records) {
+    if (CommonAPI_StringCompare(record.*text, key, 0, length, false) == 0) ++count;
   }
   return count;
 }
@@ -84,16 +83,16 @@ void SaveByStream(const std::string& path, const Records& records) {
       document.allocate_node(rapidxml::node_pi, "xml version='1.0' encoding='utf-8'"));
   Node* const root = document.allocate_node(rapidxml::node_element, "root_call_log");
   document.append_node(root);
-  for (const auto& record : records) {
+  for (const Record& record : records) {
     Node* const node = document.allocate_node(rapidxml::node_element, "item");
-    Append(&document, node, "type", record->type);
-    Append(&document, node, "born_tick", record->born_tick);
-    Append(&document, node, "local_sip_name", record->local_sip_name);
-    Append(&document, node, "local_sip_server", record->local_sip_server);
-    Append(&document, node, "remote_display_name", record->remote_display_name);
-    Append(&document, node, "remote_sip_name", record->remote_sip_name);
-    Append(&document, node, "remote_sip_server", record->remote_sip_server);
-    Append(&document, node, "duration", record->duration);
+    Append(&document, node, "type", record.type);
+    Append(&document, node, "born_tick", record.born_tick);
+    Append(&document, node, "local_sip_name", record.local_sip_name);
+    Append(&document, node, "local_sip_server", record.local_sip_server);
+    Append(&document, node, "remote_display_name", record.remote_display_name);
+    Append(&document, node, "remote_sip_name", record.remote_sip_name);
+    Append(&document, node, "remote_sip_server", record.remote_sip_server);
+    Append(&document, node, "duration", record.duration);
     root->append_node(node);
   }
   std::ofstream file(path, std::ios::out | std::ios::trunc);

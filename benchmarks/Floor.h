@@ -3,7 +3,6 @@
 #pragma once
 
 #include <list>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,7 +15,7 @@ struct Record : CallLogAddItemData {
   std::string key_string;
   bool is_new = true;
 };
-using Records = std::list<std::unique_ptr<Record>>;
+using Records = std::list<Record>;
 
 Records MakeRecords(const std::vector<CallLogAddItemData>& calls);
 

@@ -30,8 +30,8 @@ class Feed {
   int time_;
 };
 
-std::shared_ptr<CallDatabase> Filled(Storage storage, Purpose purpose, const Calls& calls) {
-  auto database = std::make_shared<CallDatabase>(storage, purpose);
+std::shared_ptr<CallDatabase> Filled(Storage storage, const Calls& calls) {
+  auto database = std::make_shared<CallDatabase>(storage);
   database->AddAll(calls);
   return database;
 }
@@ -65,7 +65,7 @@ Operation AddingToModule() {
 
 Operation AddingTo(Storage storage) {
   const auto feed = std::make_shared<Feed>(OfficeCalls(kCalls));
-  const auto database = Filled(storage, Purpose::kAdding, OfficeCalls(kCalls));
+  const auto database = Filled(storage, OfficeCalls(kCalls));
   Operation operation;
   operation.run = [feed, database] { database->Add(feed->Next()); };
   operation.answer = [database] { return Rows(database.get(), 0, kCalls); };
@@ -97,7 +97,7 @@ void AppendAddTo(Cases* cases, int records) {
     return operation;
   };
   const auto sqlite = [call, records, full] {
-    const auto database = Filled(Storage::kMemory, Purpose::kAdding, OfficeCalls(records));
+    const auto database = Filled(Storage::kMemory, OfficeCalls(records));
     Operation operation;
     operation.run = [call, database] { database->Add(*call); };
     operation.restore = [call, database, full] {
@@ -121,7 +121,7 @@ void AppendReading(Cases* cases, const std::string& work, int records, FromModul
                     }});
   for (const Storage storage : {Storage::kMemory, Storage::kWal}) {
     cases->push_back({work, NameOf(storage), [=] {
-                        const auto table = Filled(storage, Purpose::kLists, OfficeCalls(records));
+                        const auto table = Filled(storage, OfficeCalls(records));
                         return Reading<Page>([=](Page* page) { fromTable(table.get(), page); });
                       }});
   }
@@ -188,7 +188,7 @@ void AppendNames(Cases* cases, const std::string& work, std::size_t parties) {
   const auto sqlite = [parties](Storage storage) {
     return [parties, storage] {
       const auto names = std::make_shared<Names>(parties);
-      const auto database = Filled(storage, Purpose::kNames, OfficeCalls(kCalls));
+      const auto database = Filled(storage, OfficeCalls(kCalls));
       Operation operation;
       operation.run = [names, database] { database->Rename(names->Next()); };
       operation.answer = [database] { return Rows(database.get(), 0, kCalls); };

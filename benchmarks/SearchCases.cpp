@@ -32,8 +32,8 @@ Operation SearchingModule(const Calls& calls, const std::string& held, const std
   return operation;
 }
 
-Operation SearchingTable(const Calls& calls, Purpose purpose, const std::string& key, int row) {
-  const auto database = std::make_shared<CallDatabase>(Storage::kMemory, purpose);
+Operation SearchingTable(const Calls& calls, Indexes indexes, const std::string& key, int row) {
+  const auto database = std::make_shared<CallDatabase>(Storage::kMemory, indexes);
   database->AddAll(calls);
   Operation operation = Reading<CallLogSearchListData>(
       [database, key, row](auto* page) { database->Search(Request(page, row), key); });
@@ -54,14 +54,14 @@ Operation WalkingTexts(const Calls& calls, const std::string& key) {
 
 void AppendSearch(Cases* cases, const std::string& work, const Calls& calls,
                   const std::string& held, const std::string& key, int row = 0) {
-  const auto table = [=](Purpose purpose) {
-    return [=] { return SearchingTable(calls, purpose, key, row); };
+  const auto table = [=](Indexes indexes) {
+    return [=] { return SearchingTable(calls, indexes, key, row); };
   };
   const bool restored = held != key;
   cases->push_back(
       {work, kModule, [=] { return SearchingModule(calls, held, key, row); }, restored});
-  cases->push_back({work, kPrefixes, table(Purpose::kPrefixes), restored});
-  cases->push_back({work, kOrder, table(Purpose::kOrder), restored});
+  cases->push_back({work, kMemory, table(Indexes::kUsual), restored});
+  cases->push_back({work, kSearchIndexes, table(Indexes::kSearch), restored});
 }
 
 // One work for each key that a user types.
