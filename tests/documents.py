@@ -99,9 +99,11 @@ def check_talk(readme):
         printed = subprocess.run(
             PHONE + ["--root", directory, "--profile", str(DEMO / "profile.toml"), "--first-run", str(DEMO / "first-day.phone"),
                      "--log-server", str(DEMO / "server"), "--script", "-"],
-            input=script, text=True, capture_output=True, check=True).stdout
+            input=script, text=True, capture_output=True)
+    if printed.returncode != 0:
+        return fail("README.md", printed.stderr)
     waits = "|".join(f"phone> {wait}" for wait in WAITING.values())
-    answers = talk(line for line in printed.splitlines() if line and not re.fullmatch(waits, line))
+    answers = talk(line for line in printed.stdout.splitlines() if line and not re.fullmatch(waits, line))
     for (command, expected), (_, answer) in zip(shown, answers[-len(shown):]):
         matches = [line.startswith(part[:-3]) if part.endswith("...") else line == part
                    for part, line in zip(expected, (re.sub(r":\d{5}/", ":38613/", line) for line in answer))]
