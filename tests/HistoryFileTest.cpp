@@ -19,12 +19,6 @@ using Lines = std::vector<std::string>;
 
 const std::string kHeader = "<?xml version='1.0' encoding='utf-8' ?>\n";
 
-std::string Repeat(const std::string& text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
-
 class HistoryFileTest : public PhoneTest {
  protected:
   // Starts the phone with this history file.
@@ -32,12 +26,6 @@ class HistoryFileTest : public PhoneTest {
     fs::remove_all(HistoryFile());
     WriteFile(HistoryFile(), bytes);
     PowerCycle();
-  }
-
-  static int Size() {
-    CallLogSimpleListData page;
-    page.request_count = 1;
-    return Controller().GetLogListByClickAction(&page, Action(0)) == 1 ? page.total : -1;
   }
 
   // Saves the history although nothing changed.

@@ -86,13 +86,6 @@ class HistoryGuardTest : public PhoneTest {
     if (good) WriteFile(Good(), *good);
   }
 
-  static int Size() {
-    CallLogSimpleListData page;
-    page.request_count = 1;
-    Controller().GetLogListByClickAction(&page, Action(0));
-    return page.total;
-  }
-
   static int StartModule() {
     CCallLogController::ReleaseInstance();
     return Size();

@@ -75,6 +75,59 @@ class ModelDriver : public virtual PhoneTest {
     return list[Below(static_cast<int>(std::size(list)))];
   }
 
+  void ReadNotifyLists() {
+    const auto compare = [this](int type, const auto& items, const auto& targetOf) {
+      std::vector<std::pair<std::string, int>> rows;
+      for (const auto& row : items) {
+        rows.emplace_back(row.display_name + ", " + row.number + targetOf(row), row.count);
+      }
+      EXPECT_EQ(rows, model_.NewCallers(type));
+    };
+    MissedNotifyListData missed;
+    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
+    compare(2, missed.items, [](const auto&) { return ""; });
+    ForwardedNotifyList forwarded;
+    EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
+    compare(4, forwarded.items, [](const auto& row) { return ", " + row.forward_display_name; });
+  }
+
+  void CheckDetails(int view, int first, int end) {
+    const auto calls = model_.View(view);
+    for (int row = first; row < end; ++row) {
+      CallLogDetailData detail;
+      const bool exists = view <= 4 && row >= 0 && row < static_cast<int>(calls.size());
+      ASSERT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), row), exists ? 1 : 0);
+      if (!exists) continue;
+      const PlainCall& call = *calls[static_cast<std::size_t>(row)];
+      EXPECT_EQ(detail.display_name, call.remote_display_name);
+      EXPECT_EQ(detail.number, call.remote_sip_name);
+      EXPECT_EQ(detail.server, call.remote_sip_server);
+      EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
+      EXPECT_EQ(detail.duration_text, DurationText(call.duration));
+      EXPECT_EQ(detail.type, call.type);
+    }
+  }
+
+  void CheckCheapThings() {
+    Display shown = model_.Shown();
+    shown.menuTitles = desktop->display.menuTitles;  // no call changes them
+    EXPECT_TRUE(desktop->display == shown);
+    EXPECT_EQ(desktop->timers.NextDue(), model_.SaveAt());
+    EXPECT_EQ(CallLog_GetLastOutCall(), model_.LastNumber(true));
+    EXPECT_EQ(CallLog_GetLastNewInCall(), model_.LastNumber(false));
+    const int view = Below(6);
+    const int row = RandomRow(view);
+    CheckDetails(view, row, row + 2);
+  }
+
+  void CheckEverything() {
+    for (int view = 0; view <= 4; ++view) {
+      CheckDetails(view, -1, static_cast<int>(model_.View(view).size()) + 1);
+    }
+    ReadNotifyLists();
+    EXPECT_TRUE(ReadFile(HistoryFile()) == model_.File());
+  }
+
   PlainModel model_;
 
  private:
@@ -218,22 +271,6 @@ class ModelDriver : public virtual PhoneTest {
     EXPECT_EQ(desktop->talk.call->accountId, model_.RedialAccount());
   }
 
-  void ReadNotifyLists() {
-    const auto compare = [this](int type, const auto& items, const auto& targetOf) {
-      std::vector<std::pair<std::string, int>> rows;
-      for (const auto& row : items) {
-        rows.emplace_back(row.display_name + ", " + row.number + targetOf(row), row.count);
-      }
-      EXPECT_EQ(rows, model_.NewCallers(type));
-    };
-    MissedNotifyListData missed;
-    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
-    compare(2, missed.items, [](const auto&) { return ""; });
-    ForwardedNotifyList forwarded;
-    EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
-    compare(4, forwarded.items, [](const auto& row) { return ", " + row.forward_display_name; });
-  }
-
   void OpenList(int view) {
     CallLogSimpleListData page;
     page.request_index = RandomRow(view);
@@ -313,43 +350,6 @@ class ModelDriver : public virtual PhoneTest {
     model_.saving = !OneIn(8);
     desktop->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
     return "switch";
-  }
-
-  void CheckDetails(int view, int first, int end) {
-    const auto calls = model_.View(view);
-    for (int row = first; row < end; ++row) {
-      CallLogDetailData detail;
-      const bool exists = view <= 4 && row >= 0 && row < static_cast<int>(calls.size());
-      ASSERT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), row), exists ? 1 : 0);
-      if (!exists) continue;
-      const PlainCall& call = *calls[static_cast<std::size_t>(row)];
-      EXPECT_EQ(detail.display_name, call.remote_display_name);
-      EXPECT_EQ(detail.number, call.remote_sip_name);
-      EXPECT_EQ(detail.server, call.remote_sip_server);
-      EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
-      EXPECT_EQ(detail.duration_text, DurationText(call.duration));
-      EXPECT_EQ(detail.type, call.type);
-    }
-  }
-
-  void CheckCheapThings() {
-    Display shown = model_.Shown();
-    shown.menuTitles = desktop->display.menuTitles;  // no call changes them
-    EXPECT_TRUE(desktop->display == shown);
-    EXPECT_EQ(desktop->timers.NextDue(), model_.SaveAt());
-    EXPECT_EQ(CallLog_GetLastOutCall(), model_.LastNumber(true));
-    EXPECT_EQ(CallLog_GetLastNewInCall(), model_.LastNumber(false));
-    const int view = Below(6);
-    const int row = RandomRow(view);
-    CheckDetails(view, row, row + 2);
-  }
-
-  void CheckEverything() {
-    for (int view = 0; view <= 4; ++view) {
-      CheckDetails(view, -1, static_cast<int>(model_.View(view).size()) + 1);
-    }
-    ReadNotifyLists();
-    EXPECT_TRUE(ReadFile(HistoryFile()) == model_.File());
   }
 
   std::mt19937 random_;

@@ -36,6 +36,12 @@ void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
   ASSERT_TRUE(file.flush()) << path;
 }
 
+std::string Repeat(const std::string& text, std::size_t count) {
+  std::string all;
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
 PhoneTest::PhoneTest() : startedIn_(std::filesystem::current_path()) {
   setenv("TZ", "UTC0", 1);
   tzset();
@@ -98,6 +104,13 @@ CallLogDetailData PhoneTest::Detail(int type, int row) {
   CallLogDetailData detail;
   EXPECT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(type), row), 1);
   return detail;
+}
+
+int PhoneTest::Size() {
+  CallLogSimpleListData page;
+  page.request_count = 1;
+  EXPECT_EQ(Controller().GetLogListByClickAction(&page, Action(0)), 1);
+  return page.total;
 }
 
 std::vector<std::string> PhoneTest::TakeJournal(const std::vector<std::string>& prefixes) {

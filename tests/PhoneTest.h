@@ -30,6 +30,7 @@ class TemporaryDirectory {
 
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& bytes);
+std::string Repeat(const std::string& text, std::size_t count);
 
 // The working directory is the phone's root, with config/data/ in it; the time zone is UTC; the
 // clock stands at 2026-10-07 09:00:00; "HistorySavedSwitch" is 1. The module is not yet running:
@@ -55,6 +56,8 @@ class PhoneTest : public testing::Test {
   // All rows of a list as "display_name"; opens the list, with what that brings about.
   static std::vector<std::string> Names(int type);
   static CallLogDetailData Detail(int type, int row);
+  // Number of all calls; they count as seen then.
+  static int Size();
 
   // Journal lines since the last call of this function that begin with one of the prefixes, such as
   // "status", "led", "backlight", "timer", "trace", "register".

@@ -16,12 +16,6 @@ using namespace NS_CALLLOG;
 
 class ServerLoadTest : public ServerTest {
  protected:
-  static std::string Many(const std::string& text, std::size_t bytes) {
-    std::string all;
-    while (all.size() < bytes) all += text;
-    return all;
-  }
-
   // The process's data that are looked at while `work` runs, in kB: what the kernel finds
   // referenced since it was told to forget. What a file backs counts for other processes, too.
   static int Touched(const std::function<void()>& work) {
@@ -131,8 +125,8 @@ TEST_F(ServerLoadTest, APageLooksAtItsRowsOnly) {
 
 TEST_F(ServerLoadTest, RefusesWhatIsTooMuch) {
   constexpr std::size_t kBytes = 10 << 20;
-  const std::string nested = Many("<a >", kBytes / 2) + Many("</a>", kBytes / 2);
-  const std::string attribute = "<a a='" + Many("&#x41;", kBytes) + "'/>";
+  const std::string nested = Repeat("<a >", kBytes / 8) + Repeat("</a>", kBytes / 8);
+  const std::string attribute = "<a a='" + Repeat("&#x41;", kBytes / 6) + "'/>";
   std::string attributes = "<a";
   for (int i = 0; attributes.size() < kBytes; ++i) attributes += " a" + std::to_string(i) + "=''";
   const struct {

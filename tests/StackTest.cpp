@@ -39,12 +39,6 @@ std::size_t StackOf(const std::function<void()>& work) {
   return static_cast<std::size_t>(stack.end() - deepest);
 }
 
-std::string Repeat(const std::string& text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
-
 class StackTest : public ServerTest {
  protected:
   static constexpr char kNumber[] = "1001";

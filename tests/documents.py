@@ -73,7 +73,7 @@ def check_commands():
 def check_code(readme):
     """Compiles the block that begins with the module's header."""
     block = re.search(r"^    (#include <CallLog.h>)\n((?:    .*\n|\n)+)", readme, re.M)
-    program = f"{block[1]}\nvoid Use(const CallLogAddItemData& call, CallLogSimpleListData page) {{\n{block[2]}}}\n"
+    program = f"{block[1]}\nvoid Use(const CallLogAddItemData& call) {{\n{block[2]}}}\n"
     compiled = subprocess.run([CXX, "-std=c++17", "-fsyntax-only", f"-I{SOURCES}/include", "-xc++", "-"],
                               input=program, text=True, capture_output=True)
     if compiled.returncode != 0:
