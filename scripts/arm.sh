@@ -15,4 +15,6 @@ for target in "$@"; do
   diff <(tests_of default) <(tests_of "$target") || { echo "the suites differ" >&2 && exit 1; }
   ctest --test-dir "$top/build/$target" --output-on-failure --parallel "$(nproc)"
   print_costs "$target" "$target"
+  text=$(size "$top/build/$target/lib/libcalllog.so" | awk 'NR == 2 { print $1 }')
+  [ "$target" != armhf ] || [ "$text" -le $((96 * 1024)) ] || { echo "the library is beyond 96 KB" >&2 && exit 1; }
 done
