@@ -66,11 +66,7 @@ bool HasNumber(const CallLogUpdateData& contact, const std::string& number) {
          (contact.number_1 == number || contact.number_2 == number || contact.number_3 == number);
 }
 
-std::string HistoryPath() {
-  std::string path = kConfigDirectory;
-  if (path.back() != '/') path += '/';
-  return path + kHistoryFileName;
-}
+std::string HistoryPath() { return std::string(kConfigDirectory) + kHistoryFileName; }
 
 // Clears the new mark of the records of `type` that `matches` takes; how many there were.
 template <class Matches>

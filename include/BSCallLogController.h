@@ -44,8 +44,7 @@ class CBSCallLogController {
   CALLLOG_EXPORT static void ReleaseInstance();
 
   // Fills one page of a source's list, or starts its download. `query` looks for a name on the
-  // server:
-  // "?name=" goes before it when it does not stand there already; empty for the whole list.
+  // server: "?name=" goes before it when it does not stand there already; empty for the whole list.
   // `refresh` first drops every downloaded list of every source (not with a null page or an empty
   // action). A BSListResult.
   CALLLOG_EXPORT int GetLogListByClickAction(CallLogSimpleListData* page,

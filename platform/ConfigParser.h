@@ -7,7 +7,6 @@
 // Keys read by the module:
 //   "HistorySavedSwitch"       1: finished calls are kept
 //   "BDDirectoryShowSwitch"    1: server call logs are shown
-//   "BSCallLogAddCountryCode"  1: the user wants country codes with the numbers of server call
-//   logs;
+//   "BSCallLogAddCountryCode"  1: the user wants country codes with the numbers of server lists;
 //                              nothing shows it yet: the code is a field of its own
 int configParser_GetConfigInt(const char* key);
