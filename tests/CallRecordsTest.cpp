@@ -7,9 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -347,27 +344,6 @@ TEST_F(CallRecords, ReportTheBytesReadAndLoseNothingBetweenChunks) {
   ASSERT_GT(done.size(), 2u);
   EXPECT_LT(done.front(), text.size() / 2);
   EXPECT_EQ(done.back(), text.size());
-}
-
-TEST_F(CallRecords, OfTheSampleAreAsAPersonCountsThem) {
-  const auto sample =
-      std::filesystem::path(__FILE__).parent_path().parent_path() / "host/demo/calls.csv";
-  const struct {
-    const char* extension;
-    std::vector<int> ofType;  // outgoing, missed, received, forwarded
-  } rows[] = {{"100", {4, 4, 4, 0}}, {"anna", {3, 2, 2, 0}}, {"103", {0, 1, 0, 0}}};
-  for (const auto& row : rows) {
-    std::ifstream in(sample, std::ios::binary);
-    ASSERT_TRUE(in.is_open()) << sample;
-    const desk::CdrImport import = desk::ReadCallRecords(in, {row.extension, "", {}});
-    std::vector<int> ofType(4);
-    for (const CallLogAddItemData& call : import.calls) {
-      ++ofType.at(static_cast<std::size_t>(call.type - 1));
-    }
-    EXPECT_EQ(ofType, row.ofType) << row.extension;
-    EXPECT_EQ(import.rows, 30u);
-    EXPECT_EQ(Bad(import), Lines{"27: start is not in the calendar: \"2026-02-30 08:40:00\""});
-  }
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The document that a server sends. Whatever it is, its list is there or it is not; what is there
-// has rows and details that agree, and is the same when it is sent again in another form.
+// has rows and details that agree, and is the same when it is sent again in another form, but for
+// the times, which are time_stamp's.
 #include <cctype>
-#include <cstdio>
 
 #include "Fuzz.h"
 #include "TaskAction.h"
@@ -29,7 +29,7 @@ namespace desk {
 namespace {
 
 using NS_CALLLOG::CBSCallLogController;
-using Entries = std::vector<std::vector<std::string>>;  // name, number, time, country code
+using Entries = std::vector<std::vector<std::string>>;  // name, number, country code
 constexpr char kAction[] = "OpenSubPage(broadsoft_calllog_0)";
 
 CBSCallLogController& Lists() { return *CBSCallLogController::GetInstance(); }
@@ -60,8 +60,7 @@ class ServerPhone : public FuzzPhone {
       EXPECT_EQ(row.display_name,
                 detail.display_name.empty() ? detail.number : detail.display_name);
       EXPECT_EQ(row.time_text, detail.time_text);
-      entries->push_back(
-          {detail.display_name, detail.number, detail.time_text, detail.country_code});
+      entries->push_back({detail.display_name, detail.number, detail.country_code});
     }
     EXPECT_FALSE(Lists().GetLogDetailByIndex(&detail, page.total));
     return true;
@@ -79,18 +78,6 @@ std::string Element(const std::string& name, const std::string& text) {
   return xml + "</" + name + ">";
 }
 
-// From the form that the phone shows to the one that servers send.
-std::string TimeElement(const std::string& shown) {
-  int month = 0, day = 0, year = 0, hour = 0, minute = 0, second = 0;
-  if (shown.empty()) return {};
-  EXPECT_EQ(
-      std::sscanf(shown.c_str(), "%d-%d-%d %d:%d:%d", &month, &day, &year, &hour, &minute, &second),
-      6);
-  std::string text = std::to_string(year);
-  text += "-" + std::to_string(month) + "-" + std::to_string(day) + "T" + std::to_string(hour);
-  return "<time>" + text + ":" + std::to_string(minute) + ":" + std::to_string(second) + "</time>";
-}
-
 }  // namespace
 
 void FuzzOne(const std::string& input) {
@@ -100,7 +87,7 @@ void FuzzOne(const std::string& input) {
   std::string document = "<again>";
   for (const auto& entry : entries) {
     document += "<callLogsEntry>" + Element("name", entry[0]) + Element("phoneNumber", entry[1]) +
-                TimeElement(entry[2]) + Element("countryCode", entry[3]) + "</callLogsEntry>";
+                Element("countryCode", entry[2]) + "</callLogsEntry>";
   }
   document += "</again>";
   Entries again;
