@@ -220,7 +220,7 @@ TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
   for (const auto& row : rows) EXPECT_EQ(Rewritten(row.file), FileText(row.calls)) << row.file;
 
   const std::map<int, std::vector<std::string>> numbers = {
-      {0, {"", " ", "-", "seven", "7x", "7.5", "0x7", "\xC3"}},
+      {0, {"", " ", "-", "seven", "7x", "7.5", "0x7", "+-7", "7 ", "\xC3"}},
       {7, {"7", "007", "+7"}},
       {-5, {"-5", "-05"}},
       {INT_MAX, {"2147483647", "2147483648", std::string(4000, '9')}},

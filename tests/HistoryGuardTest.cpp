@@ -200,20 +200,6 @@ TEST_F(HistoryGuardTest, PutsTheGoodCopyBack) {
   EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}}));
 }
 
-TEST_F(HistoryGuardTest, FindsEveryCut) {
-  const std::string text = "<root_call_log><item type='1'/><item type='2'/></root_call_log>\n";
-  for (std::size_t length = 0; length + 1 < text.size(); ++length) {
-    SCOPED_TRACE(length);
-    Lay(text.substr(0, length), text);
-    EXPECT_EQ(Start(), Outcome::kPutBack);
-    EXPECT_EQ(Size(), 2);
-    EXPECT_EQ(ReadFile(HistoryFile()), text);
-    Lay(text, text.substr(0, length));
-    EXPECT_EQ(Start(), Outcome::kGood);
-    EXPECT_EQ(ReadFile(Good()), text);
-  }
-}
-
 TEST_F(HistoryGuardTest, BeginsAnewWhereNothingIsComplete) {
   Lay("<cut", "<broken");
   EXPECT_EQ(Start(), Outcome::kSetAside);

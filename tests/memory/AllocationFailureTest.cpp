@@ -20,8 +20,14 @@ using NS_CALLLOG::CCallLogController;
 constexpr int kMissed = 2;  // the type that redial acts on, too
 constexpr int kForwarded = 4;
 
-// How many of the two rows a page holds then.
-std::size_t RowsAfter(int answer) { return answer == 1 ? 2 : 0; }
+// A list holds two rows after a success, none after a failure.
+template <class List>
+auto ExpectRows(const List& list) {
+  return
+      [&list](int answer, bool /*failed*/) { EXPECT_EQ(list.items.size(), answer == 1 ? 2u : 0u); };
+}
+
+void ExpectTextUnless(const std::string& text, bool failed) { EXPECT_EQ(text.empty(), failed); }
 
 // Long enough to be allocated wherever it is copied.
 std::string Long(const std::string& text) { return text + " and the rest of a long text"; }
@@ -217,11 +223,9 @@ TEST_F(AllocationFailureTest, AFailedSearchShowsNothingAndSpoilsNoOther) {
     page.request_count = dialled.request_count = 100;
   };
   FailEach(
-      prepare, [&] { return CallLog_SearchRecentOutCall(&page); },
-      [&](int answer, bool /*failed*/) { EXPECT_EQ(page.items.size(), RowsAfter(answer)); });
+      prepare, [&] { return CallLog_SearchRecentOutCall(&page); }, ExpectRows(page));
   FailEach(
-      prepare, [&] { return CallLog_SuperSearchRecentOutCall(&dialled); },
-      [&](int answer, bool /*failed*/) { EXPECT_EQ(dialled.items.size(), RowsAfter(answer)); });
+      prepare, [&] { return CallLog_SuperSearchRecentOutCall(&dialled); }, ExpectRows(dialled));
 }
 
 TEST_F(AllocationFailureTest, AViewIsFilledOrUntouched) {
@@ -229,7 +233,6 @@ TEST_F(AllocationFailureTest, AViewIsFilledOrUntouched) {
   CallLogDetailData detail;
   MissedNotifyListData missed;
   ForwardedNotifyList forwarded;
-  std::string text;
   const auto prepare = [&] {
     Fill();
     list.Reset();
@@ -241,7 +244,7 @@ TEST_F(AllocationFailureTest, AViewIsFilledOrUntouched) {
   FailEach(
       prepare, [&] { return Controller().GetLogListByClickAction(&list, kMissedCalls); },
       [&](int answer, bool /*failed*/) {
-        EXPECT_EQ(list.items.size(), RowsAfter(answer));
+        ExpectRows(list)(answer, true);
         Controller().GetMissedNotifyList(&missed);
         EXPECT_EQ(missed.items.empty(), answer == 1);
       });
@@ -252,20 +255,16 @@ TEST_F(AllocationFailureTest, AViewIsFilledOrUntouched) {
         EXPECT_EQ(detail.duration_text.empty(), answer == 0);
       });
   FailEach(
-      prepare, [&] { return Controller().GetMissedNotifyList(&missed); },
-      [&](int answer, bool /*failed*/) { EXPECT_EQ(missed.items.size(), RowsAfter(answer)); });
+      prepare, [&] { return Controller().GetMissedNotifyList(&missed); }, ExpectRows(missed));
   FailEach(
       prepare, [&] { return Controller().GetForwardedNotifyList(&forwarded); },
-      [&](int answer, bool /*failed*/) { EXPECT_EQ(forwarded.items.size(), RowsAfter(answer)); });
+      ExpectRows(forwarded));
   FailEach(
-      prepare, [] { return CallLog_GetLastOutCall(); },
-      [](const std::string& number, bool failed) { EXPECT_EQ(number.empty(), failed); });
+      prepare, [] { return CallLog_GetLastOutCall(); }, ExpectTextUnless);
   FailEach(
-      prepare, [] { return CallLog_GetLastNewInCall(); },
-      [](const std::string& number, bool failed) { EXPECT_EQ(number.empty(), failed); });
+      prepare, [] { return CallLog_GetLastNewInCall(); }, ExpectTextUnless);
   FailEach(
-      prepare, [] { return Controller().GetImagePathByType(1); },
-      [](const std::string& path, bool failed) { EXPECT_EQ(path.empty(), failed); });
+      prepare, [] { return Controller().GetImagePathByType(1); }, ExpectTextUnless);
 }
 
 TEST_F(AllocationFailureTest, ChangesAreSavedAsFarAsTheyCame) {
