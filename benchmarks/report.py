@@ -41,11 +41,11 @@ AIMS = [
 # What stands in the way of an aim that is missed by time.
 REASONS = {
     "each keystroke, against SQLite":
-        "the first key, when it finds 400 different names, has them to sort: 3,000 comparisons of "
-        "texts. All other keys keep to it.",
+        "the first key of a word looks at all 400 calls, and sorts what it finds: for 400 different "
+        "names 3,000 comparisons of texts. All further keys keep to it.",
     "save, against the bare write":
-        "RapidXml prints sign by sign, 0.9 ns for each; the bare write of the same bytes takes "
-        "0.15 ns for each.",
+        "of the 1.4 ns that a save takes for each byte, RapidXml's printer takes 0.8, as it copies "
+        "and looks at them one by one; the bare write takes 0.15.",
 }
 
 CURVES = {
@@ -143,7 +143,8 @@ def profile(directory, work):
         shares = collections.Counter()
         for share, function in re.findall(r"^ *[\d,]+ \( *([\d.]+)%\)  [^:]*:(.*?)(?: \[.*)?$", listed, re.M):
             if float(share) < 100:  # those above it are what called the work
-                shares[re.sub(r"\(.*|<.*", "", function)[-60:]] += float(share)
+                name = re.sub(r"[(<].*", "", function.replace("(anonymous namespace)::", ""))
+                shares[name.split()[-1]] += float(share)
         return shares.most_common(6)
     return []
 
