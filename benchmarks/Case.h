@@ -39,6 +39,7 @@ inline constexpr char kWalk[] = "bare walk";
 inline constexpr char kParseFile[] = "TinyXML, file";
 inline constexpr char kParseText[] = "TinyXML, text";
 inline constexpr char kWrite[] = "bare write";
+inline constexpr char kCopy[] = "memcpy";
 inline constexpr char kStream[] = "straightforward";
 inline constexpr char kFullSearch[] = "module, full search";
 

@@ -2,6 +2,7 @@
 // bytes.
 #include <tinyxml.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -54,12 +55,26 @@ void PutHistoryFile(int calls) {
   saving.run();
 }
 
+// What the file of a history of so many calls holds; it is there then.
+std::shared_ptr<const std::string> HistoryBytes(int calls) {
+  PutHistoryFile(calls);
+  return std::make_shared<const std::string>(ReadBytes(kHistoryFile));
+}
+
 Operation WritingBytes() {
-  PutHistoryFile(kCalls);
-  const auto bytes = std::make_shared<std::string>(ReadBytes(kHistoryFile));
   Operation operation;
-  operation.run = [bytes] { WriteBytes("bare.xml", *bytes); };
+  operation.run = [bytes = HistoryBytes(kCalls)] { WriteBytes("bare.xml", *bytes); };
   operation.answer = [] { return ReadBytes("bare.xml"); };
+  operation.restore = kNothing;
+  return operation;
+}
+
+Operation CopyingBytes() {
+  const auto bytes = HistoryBytes(kCalls);
+  const auto copy = std::make_shared<std::string>(bytes->size(), '\0');
+  Operation operation;
+  operation.run = [bytes, copy] { std::memcpy(copy->data(), bytes->data(), bytes->size()); };
+  operation.answer = [copy] { return *copy; };
   operation.restore = kNothing;
   return operation;
 }
@@ -104,10 +119,10 @@ Operation ReadingTable() {
 }
 
 Operation Parsing(int calls, bool fromFile) {
-  PutHistoryFile(calls);
-  const auto text = std::make_shared<std::string>(ReadBytes(kHistoryFile));
   Operation operation;
-  operation.run = [text, fromFile] { fromFile ? ParseFile(kHistoryFile) : ParseText(*text); };
+  operation.run = [text = HistoryBytes(calls), fromFile] {
+    fromFile ? ParseFile(kHistoryFile) : ParseText(*text);
+  };
   operation.restore = kNothing;
   return operation;
 }
@@ -119,6 +134,7 @@ void AppendFileCases(Cases* cases) {
   cases->push_back({save, kModule, [] { return SavingModule(kCalls); }, true});
   cases->push_back({save, kStream, SavingByStream, true});
   cases->push_back({save, kWrite, WritingBytes, true});
+  cases->push_back({save, kCopy, CopyingBytes, true});
   for (const Storage storage : kStorages) {
     cases->push_back({save, NameOf(storage), [=] { return ReplacingTable(storage); }, true});
   }
