@@ -106,15 +106,24 @@ TEST_F(PlatformTest, AFileOfTraceHoldsNeitherPasswordsNorControls) {
     int level;
     const char* text;
   } rows[] = {
-      {2, "[http://anna@example.org:p@ss:1@h:8080/user/anna@example.org] and https://u:p@h"},
+      {2, "[http://anna@example.org:p@ss:1@h:8080/user/anna@example.org/Missed] twice"},
+      {2, "http://u:p@h/p and https://u:p@h"},
+      {2, "http://anna@h:p@ss/anna@h"},
+      {2, "http://anna@h:p/anna@h/p"},
+      {2, "http://anna@h:p@johanna@h/p"},
       {2, "name \x1B[31m\xC3\xE2\x80\xAE\n[2] forged"},
       {3, "too fine"},
-      {1, "no://credentials/here@all http://anna:se/cr@et@h/x"}};
+      {1, "no://credentials/here@all http://anna:se/cr@et@h/x"},
+  };
   for (const auto& row : rows) ETL_TraceHelper::etlTrace(row.level, "%s", row.text);
   EXPECT_EQ(ReadFile(root.path() / "trace"),
-            "[2] [http://***@h:8080/user/anna@example.org] and https://***@h\n"
+            "[2] [http://***@h:8080/user/anna@example.org/Missed] twice\n"
+            "[2] http://***@h\n"
+            "[2] http://***@h\n"
+            "[2] http://***@h/p\n"
+            "[2] http://***@h/p\n"
             "[2] name \\x1B[31m\\xC3\\xE2\\x80\\xAE\\x0A[2] forged\n"
-            "[1] no://credentials/here@all http://***@h/x\n");
+            "[1] no://***@h/x\n");
 }
 
 TEST_F(PlatformTest, PagesStayWithinInt) {

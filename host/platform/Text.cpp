@@ -31,33 +31,31 @@ std::string CString(const std::string& bytes) { return bytes.c_str(); }
 
 namespace {
 
-// Where the credentials at the start of `rest`, which follows "://", end: at the last "@" before
-// the first "/". A colon without "@" there may be the middle of credentials that hold a "/", which
-// no URL can carry: then all up to the last "@" of the word is hidden rather than shown.
+// Where the credentials at the start of `rest`, which follows "://", end. Nobody has escaped them:
+// they can hold what looks like a host, a path or another URL. So they reach to the last "@" of
+// all, but for those where a path repeats the user, as in "/user/anna@example.org/".
 std::size_t CredentialsEnd(std::string_view rest) {
-  const std::string_view word = rest.substr(0, rest.find_first_of(" \t\n"));
-  const std::string_view authority = word.substr(0, word.find('/'));
-  const std::size_t at = authority.rfind('@');
-  if (at != std::string_view::npos || authority.find(':') == std::string_view::npos) return at;
-  return word.rfind('@');
+  const std::size_t colon = rest.find(':');
+  const std::string repeated = "/" + std::string(rest.substr(0, colon)) + "/";
+  std::size_t at = rest.rfind('@');
+  for (;;) {
+    const std::size_t again = rest.rfind(repeated, at);
+    if (again == std::string_view::npos || at >= again + repeated.size()) break;
+    at = rest.rfind('@', again);
+  }
+  return at < colon ? rest.rfind('@') : at;
 }
 
 }  // namespace
 
 std::string MaskCredentials(std::string_view text) {
   constexpr std::string_view kSchemeEnd = "://";
-  std::string masked;
-  for (;;) {
-    const std::size_t scheme = text.find(kSchemeEnd);
-    if (scheme == std::string_view::npos) return masked.append(text);
-    const std::size_t start = scheme + kSchemeEnd.size();
-    masked.append(text.substr(0, start));
-    text.remove_prefix(start);
-    const std::size_t end = CredentialsEnd(text);
-    if (end == std::string_view::npos) continue;
-    masked += "***";
-    text.remove_prefix(end);
-  }
+  const std::size_t scheme = text.find(kSchemeEnd);
+  if (scheme == std::string_view::npos) return std::string(text);
+  const std::size_t start = scheme + kSchemeEnd.size();
+  const std::size_t end = CredentialsEnd(text.substr(start));
+  if (end == std::string_view::npos) return std::string(text);
+  return std::string(text.substr(0, start)).append("***").append(text.substr(start + end));
 }
 
 std::string Printable(std::string_view text) {

@@ -14,7 +14,8 @@ std::string FormatV(const char* format, va_list arguments);
 // `bytes` up to its first NUL.
 std::string CString(const std::string& bytes);
 
-// `text` with the user and password of every URL in it replaced by "***".
+// `text` with "***" for the user and password of a URL in it, and for whatever might belong to
+// them: where that cannot be told, up to the last "@" of the text.
 std::string MaskCredentials(std::string_view text);
 
 // `text` fit for a terminal: control characters become "\xNN", and so do malformed UTF-8 bytes.
