@@ -137,6 +137,14 @@ TEST_F(TransferTest, FailsForManyReasons) {
   }
 }
 
+TEST_F(TransferTest, AQueryLeadsToNoOtherServer) {
+  LogServer other({documents(), kUser, kPassword, 0});
+  other.Start();
+  EXPECT_FALSE(Fetch(Url("?name=x@127.0.0.1:" + std::to_string(other.port()))).succeeded);
+  EXPECT_EQ(server.Requests("/"), 1);
+  EXPECT_EQ(other.Requests("/"), 0);
+}
+
 TEST_F(TransferTest, RefusesAnUncertifiedServer) {
   const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(EVP_EC_gen("P-256"), EVP_PKEY_free);
   const std::unique_ptr<X509, decltype(&X509_free)> certificate(X509_new(), X509_free);

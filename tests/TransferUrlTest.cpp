@@ -26,6 +26,8 @@ TEST(TransferUrlTest, TakesTheCredentialsApart) {
       {"http://u:w@h", "http://h/", "u", "w"},
       {"http://h?name=a", "http://h/?name=a", "", ""},
       {"http://h/p?name=Anna M\xC3\xBC%20&x=a@b", "http://h/p?name=Anna+M%c3%bc%20&x=a@b", "", ""},
+      {"http://u:w@h:9?name=a@other:80/p", "http://h:9/?name=a@other:80/p", "u", "w"},
+      {"http://u:w?name@h/p?name=/@other", "http://h/p?name=/@other", "u", "w?name"},
       {"http://h/a b", "http://h/a%20b", "", ""},
   };
   for (const auto& row : kRows) {

@@ -4,6 +4,7 @@
 #include <curl/curl.h>
 #include <strings.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace desk {
@@ -13,6 +14,11 @@ constexpr std::string_view kSchemeEnd = "://";
 
 bool IsWebScheme(const std::string& scheme) {
   return strcasecmp(scheme.c_str(), "http") == 0 || strcasecmp(scheme.c_str(), "https") == 0;
+}
+
+// What stands at the start of `rest`, which follows "://", before a path or a query.
+std::string_view Authority(std::string_view rest) {
+  return rest.substr(0, std::min(rest.find('/'), rest.find(kNameQuery)));
 }
 
 // `url` as it is sent; empty when it makes no sense.
@@ -32,7 +38,7 @@ std::optional<TransferUrl> SplitUrl(std::string_view url) {
   const std::size_t schemeEnd = url.find(kSchemeEnd);
   if (schemeEnd == url.npos || !IsWebScheme(std::string(url.substr(0, schemeEnd)))) return {};
   const std::size_t start = schemeEnd + kSchemeEnd.size();
-  const std::string_view authority = url.substr(start, url.substr(start).find('/'));
+  const std::string_view authority = Authority(url.substr(start));
   const std::size_t at = authority.rfind('@');
   const std::string_view credentials = authority.substr(0, at == url.npos ? 0 : at);
   const std::string_view host = authority.substr(at == url.npos ? 0 : at + 1);

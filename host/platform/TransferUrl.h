@@ -8,14 +8,17 @@
 
 namespace desk {
 
+// What begins a query for a name.
+inline constexpr std::string_view kNameQuery = "?name=";
+
 struct TransferUrl {
   std::string address;  // without credentials; blanks and bytes beyond ASCII escaped
   std::string user;
   std::string password;
 };
 
-// The authority ends at the first "/", the credentials at the last "@" in it, the user at the first
-// ":". Nothing for a URL that is neither http nor https or makes no sense.
+// The authority ends at the first "/" or "?name=", the credentials at the last "@" in it, the user
+// at the first ":". Nothing for a URL that is neither http nor https or makes no sense.
 std::optional<TransferUrl> SplitUrl(std::string_view url);
 
 }  // namespace desk
