@@ -6,6 +6,7 @@
 #include "CallLog.h"
 #include "Commands.h"
 #include "Screen.h"
+#include "SourceCheck.h"
 #include "Text.h"
 
 namespace desk {
@@ -113,6 +114,8 @@ void Source(Phone& phone, Arguments& arguments) {
   source.port = arguments.Option("port", source.port);
   source.user_name = arguments.Option("user", source.user_name);
   source.password = arguments.Option("password", source.password);
+  const std::string refusal = WhyUnusable(source);
+  if (!refusal.empty()) throw CommandError(refusal);
   Controller().SetConfigDataByIndex(index, source);
   phone.out() << "  source " << index << " is set\n";
 }
