@@ -44,9 +44,10 @@ class CBSCallLogController {
   CALLLOG_EXPORT static void ReleaseInstance();
 
   // Fills one page of a source's list, or starts its download. `query` looks for a name on the
-  // server: "?name=" goes before it when it does not stand there already; empty for the whole list.
-  // `refresh` first drops every downloaded list of every source (not with a null page or an empty
-  // action). A BSListResult.
+  // server; empty for the whole list. It goes into the URL as it stands, with "?name=" before it
+  // when it does not stand there already: the caller percent-encodes the name (UTF-8), or "C#"
+  // arrives as "C" and "a&b" as "a". `refresh` first drops every downloaded list of every source
+  // (not with a null page or an empty action). A BSListResult.
   CALLLOG_EXPORT int GetLogListByClickAction(CallLogSimpleListData* page,
                                              const std::string& clickAction,
                                              const std::string& query, bool refresh);

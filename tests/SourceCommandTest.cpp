@@ -159,5 +159,27 @@ TEST_F(SourceCommandTest, APasswordArrivesAtAServer) {
   }
 }
 
+TEST_F(SourceCommandTest, AQueryArrivesAsItWasTyped) {
+  LogServer server({documents(), "", "", 0});
+  server.Start();
+  const std::string address = "127.0.0.1:" + std::to_string(server.port());
+  const std::vector<std::string> typedQueries = {"C#",  "a&b", "\u00FC",       "Anna M",    "a+b",
+                                                 "50%", "%41", "x@" + address, "a/b?name=c"};
+  for (const std::string path : {"/Missed", "/"}) {
+    Do("source 0 server=" + address + (path == "/" ? "" : path));
+    for (const std::string& typed : typedQueries) {
+      Do("server 0 \"query=" + typed + "\"");
+      Do("await");
+      EXPECT_EQ(server.AskedName(path), typed);
+    }
+    Do("server 0 query=?name=%41&b=c");
+    Do("await");
+    EXPECT_EQ(server.AskedName(path), "A");
+    Do("server 0");
+    Do("await");
+    EXPECT_EQ(server.AskedName(path), "");
+  }
+}
+
 }  // namespace
 }  // namespace desk

@@ -128,12 +128,20 @@ bool LogServer::WaitForRequests(const std::string& path, int count) {
   return changed_.wait_for(lock, kTooLong, [&] { return paths_[path].requests >= count; });
 }
 
-Behaviour LogServer::Arrive(const std::string& path) {
+std::string LogServer::AskedName(const std::string& path) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = paths_.find(path);
+  return found != paths_.end() ? found->second.askedName : "";
+}
+
+Behaviour LogServer::Arrive(const httplib::Request& request) {
   Behaviour behaviour;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    ++paths_[path].requests;
-    behaviour = paths_[path].behaviour;
+    Path& path = paths_[request.path];
+    ++path.requests;
+    path.askedName = request.get_param_value("name");
+    behaviour = path.behaviour;
   }
   changed_.notify_all();
   return behaviour;
@@ -180,7 +188,7 @@ void LogServer::AnswerHalf(const std::string& path, const std::string& document,
 
 void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
   const std::string& path = request.path;
-  const Behaviour behaviour = Arrive(path);
+  const Behaviour behaviour = Arrive(request);
   if (!IsAuthorized(request)) {
     response.status = 401;
     response.set_header("WWW-Authenticate", "Basic realm=\"call logs\"");

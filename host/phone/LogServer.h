@@ -65,6 +65,8 @@ class LogServer {
   // All of these from any thread; a path begins with "/" and has no query.
   void Misbehave(const std::string& path, const Behaviour& behaviour);
   int Requests(const std::string& path) const;
+  // The name that the path was asked for last; empty when it was asked for none.
+  std::string AskedName(const std::string& path) const;
   // Until so many have arrived in all; false when that takes too long.
   bool WaitForRequests(const std::string& path, int count);
 
@@ -72,6 +74,7 @@ class LogServer {
   struct Path {
     Behaviour behaviour;
     int requests = 0;
+    std::string askedName;
   };
 
   bool Bind();
@@ -79,7 +82,7 @@ class LogServer {
   void AnswerHalf(const std::string& path, const std::string& document, Behaviour::Kind kind,
                   httplib::Response& response);
   bool IsAuthorized(const httplib::Request& request) const;
-  Behaviour Arrive(const std::string& path);
+  Behaviour Arrive(const httplib::Request& request);
   // As long as the path behaves like this and the server runs.
   void WaitWhile(const std::string& path, Behaviour::Kind kind,
                  std::chrono::seconds limit = std::chrono::hours(24));

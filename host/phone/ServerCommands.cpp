@@ -8,6 +8,7 @@
 #include "Screen.h"
 #include "SourceCheck.h"
 #include "Text.h"
+#include "TransferUrl.h"
 
 namespace desk {
 namespace {
@@ -53,6 +54,11 @@ std::string SourceAction(const std::string& source) {
          ")";
 }
 
+// What is typed arrives as it was typed, unless it is written as in a URL.
+std::string QueryFor(const std::string& typed) {
+  return typed.rfind(kNameQuery, 0) == 0 ? typed : EscapeQuery(typed);
+}
+
 void Server(Phone& phone, Arguments& arguments) {
   arguments.AllowOptions({"query", "refresh"});
   const std::string source = arguments.Word("the source");
@@ -61,8 +67,8 @@ void Server(Phone& phone, Arguments& arguments) {
   page.request_count = ParseInt(arguments.WordOr("20"), "the number of rows");
   arguments.Done();
   const bool refresh = ParseSwitch(arguments.Option("refresh", "off"));
-  const int result = Controller().GetLogListByClickAction(&page, SourceAction(source),
-                                                          arguments.Option("query"), refresh);
+  const int result = Controller().GetLogListByClickAction(
+      &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
   if (result == NS_CALLLOG::BS_LIST_OK) {
     PrintCallList(phone.out(), "source " + Printable(source), page);
   } else {

@@ -21,6 +21,12 @@ std::string_view Authority(std::string_view rest) {
   return rest.substr(0, std::min(rest.find('/'), rest.find(kNameQuery)));
 }
 
+// A text of libcurl's, freed; empty when there is none.
+std::string Owned(char* text) {
+  const std::unique_ptr<char, decltype(&curl_free)> owned(text, curl_free);
+  return text != nullptr ? text : "";
+}
+
 // `url` as it is sent; empty when it makes no sense.
 std::string Escaped(const std::string& url) {
   const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), curl_url_cleanup);
@@ -28,8 +34,7 @@ std::string Escaped(const std::string& url) {
   if (curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), kLenient) != CURLUE_OK) return {};
   char* text = nullptr;
   if (curl_url_get(parsed.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) return {};
-  const std::unique_ptr<char, decltype(&curl_free)> owned(text, curl_free);
-  return text;
+  return Owned(text);
 }
 
 }  // namespace
@@ -52,6 +57,10 @@ std::optional<TransferUrl> SplitUrl(std::string_view url) {
   split.address = Escaped(std::string(url.substr(0, start)).append(host).append(path));
   if (split.address.empty()) return {};
   return split;
+}
+
+std::string EscapeQuery(const std::string& text) {
+  return Owned(curl_easy_escape(nullptr, text.data(), static_cast<int>(text.size())));
 }
 
 }  // namespace desk

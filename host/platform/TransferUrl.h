@@ -21,4 +21,7 @@ struct TransferUrl {
 // at the first ":". Nothing for a URL that is neither http nor https or makes no sense.
 std::optional<TransferUrl> SplitUrl(std::string_view url);
 
+// `text` as it can stand in a query: it arrives at the server as it is, whatever it holds.
+std::string EscapeQuery(const std::string& text);
+
 }  // namespace desk
