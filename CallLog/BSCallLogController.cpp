@@ -80,8 +80,8 @@ std::string CBSCallLogController::GetConfiguredItemName(int index) const {
   return Ask(m_pModel, std::string(), &Model::GetConfiguredItemName, index);
 }
 
-const BroadSoftConfigItem* CBSCallLogController::GetConfigDataByIndex(int index) const {
-  return Ask<const BroadSoftConfigItem*>(m_pModel, nullptr, &Model::GetConfigDataByIndex, index);
+BroadSoftConfigItem* CBSCallLogController::GetConfigDataByIndex(int index) const {
+  return Ask<BroadSoftConfigItem*>(m_pModel, nullptr, &Model::GetConfigDataByIndex, index);
 }
 
 void CBSCallLogController::SetConfigDataByIndex(int index, const BroadSoftConfigItem& item) {

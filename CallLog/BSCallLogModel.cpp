@@ -9,6 +9,7 @@
 
 #include "BSCallLogController.h"
 #include "BSConfigDocument.h"
+#include "CallLogMessages.h"
 #include "CommonAPI.h"
 #include "ConfigParser.h"
 #include "EtlMisc.h"
@@ -31,7 +32,6 @@ namespace {
 constexpr std::size_t kUsualSources = 3;
 constexpr int kNetworkFileRequest = 2;
 constexpr int kNetworkAvailable = 2;
-constexpr unsigned int kDownloadedMessage = 0x913;  // MSG_BS_CALLLOG_DOWNLOADED
 constexpr char kEntry[] = "callLogsEntry";
 
 std::string TemporaryPath() { return std::string(kTemporaryDirectory) + kDownloadFileName; }
@@ -131,7 +131,7 @@ int CBSCallLogModel::GetTotalConfigurableItemCount() const {
   return static_cast<int>(m_vecConfigItem.size());
 }
 
-const BroadSoftConfigItem* CBSCallLogModel::GetConfigDataByIndex(int index) const {
+BroadSoftConfigItem* CBSCallLogModel::GetConfigDataByIndex(int index) const {
   if (index < 0 || index >= GetTotalConfigurableItemCount()) return nullptr;
   return m_vecConfigItem[static_cast<std::size_t>(index)].get();
 }
@@ -262,7 +262,8 @@ void CBSCallLogModel::MyTakeOver(const NS_TA::CNetworkFileAction& ended) {
   } else {
     item->state = LIST_STATE_FAILED;
   }
-  EtlMsgHandler_NotifyAppEx(false, kDownloadedMessage, 0, item->state == LIST_STATE_LOADED ? 0 : 1,
+  EtlMsgHandler_NotifyAppEx(false, MSG_BS_CALLLOG_DOWNLOADED, 0,
+                            item->state == LIST_STATE_LOADED ? 0 : 1,
                             static_cast<int>(url.size()) + 1, url.c_str());
 }
 

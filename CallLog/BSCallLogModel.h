@@ -52,7 +52,7 @@ class CBSCallLogModel : public NS_TA::CTaskActionCallbackBase {
   bool IsItemConfigured(int index) const;
   int GetTotalConfigurableItemCount() const;
   std::string GetConfiguredItemName(int index) const;
-  const BroadSoftConfigItem* GetConfigDataByIndex(int index) const;
+  BroadSoftConfigItem* GetConfigDataByIndex(int index) const;
   bool SetConfigDataByIndex(int index, const BroadSoftConfigItem& item);
   std::string GetBSCallLogDisplayName();
   bool SetBSCallLogDisplayName(const char* name);

@@ -1,5 +1,6 @@
 // The handler of the platform's configuration-change message.
 #include "CallLog.h"
+#include "CallLogMessages.h"
 #include "EtlMsgHandler.h"
 #include "EtlTrace.h"
 #include "Failure.h"
@@ -8,10 +9,7 @@
 namespace NS_CALLLOG {
 namespace {
 
-constexpr unsigned int kConfigChangeMessage = 0x10007;  // BROAD_MSG_CONFIG_CHANGE
-constexpr unsigned int kSourcesItem = 0x28;             // ST_BS_CALLLOG
 constexpr unsigned int kRemovalItem = 0x47;
-constexpr unsigned int kSourcesReloadedMessage = 0x914;
 constexpr char kMenuAction[] = "OpenCallLogPage(broadsoft_calllog_list.xml)";
 constexpr char kDefaultTitle[] = "Broadsoft CallLog";
 constexpr char kRemovalAction[] = "OpenCallLogPage(local_contact_1)";
@@ -28,7 +26,7 @@ void OnSourcesChanged(ETL_MsgQueueHelper::msgObject& msg) {
   auto* const controller = CBSCallLogController::GetInstance();
   if (controller != nullptr) controller->ReloadBSCallLogConfig();
   IgnoreFailure(SetMenuTitle);
-  IgnoreFailure([] { EtlMsgHandler_NotifyApp(false, kSourcesReloadedMessage, 0, 0); });
+  IgnoreFailure([] { EtlMsgHandler_NotifyApp(false, MSG_BS_CALLLOG_RELOADED, 0, 0); });
   msg.ReplyMessage(1);
 }
 
@@ -44,7 +42,7 @@ void OnRemoval(const ETL_MsgQueueHelper::msgObject& msg) {
 
 int OnCallLogMessage(ETL_MsgQueueHelper::msgObject& msg) {
   IgnoreFailure([&] {
-    if (msg.wParam == kSourcesItem) {
+    if (msg.wParam == ST_BS_CALLLOG) {
       OnSourcesChanged(msg);
     } else if (msg.wParam == kRemovalItem) {
       OnRemoval(msg);
@@ -57,8 +55,8 @@ int OnCallLogMessage(ETL_MsgQueueHelper::msgObject& msg) {
 
 int CallLog_RegisterMessage() {
   return NS_CALLLOG::OrFailure(0, [] {
-    EtlMsgHandler_RegisterMsgHandle(NS_CALLLOG::kConfigChangeMessage,
-                                    NS_CALLLOG::kConfigChangeMessage, NS_CALLLOG::OnCallLogMessage);
+    EtlMsgHandler_RegisterMsgHandle(BROAD_MSG_CONFIG_CHANGE, BROAD_MSG_CONFIG_CHANGE,
+                                    NS_CALLLOG::OnCallLogMessage);
     return 1;
   });
 }

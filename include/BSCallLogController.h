@@ -14,7 +14,7 @@ class CBSCallLogModel;
 // Results of a request for a server list.
 enum BSListResult {
   BS_LIST_OK = 0,           // the page was filled
-  BS_LIST_DOWNLOADING = 1,  // the list is being fetched: ask again after message 0x913
+  BS_LIST_DOWNLOADING = 1,  // the list is being fetched: ask again when it is there
   BS_LIST_FAILED = 2,  // the transfer could not be started, or memory ran out. When it could not
                        // even be created, the next request tries again; when the platform refused
                        // it, the list counts as being fetched until it is cancelled or refreshed
@@ -28,10 +28,9 @@ enum BSListResult {
 // number. A list is fetched once per URL and served from memory until it is cancelled, or any
 // request comes with `refresh`. Its rows carry the server's time as "mm-dd-yyyy hh:mm:ss".
 //
-// When a download has ended, the application gets message 0x913, wParam 0, lParam 0 when the list
-// can now be read and 1 when not, with the list's URL (user and password included) as a
-// NUL-terminated string in the extra data. When there is no memory even for that, no message is
-// sent, and the list may count as being fetched until it is cancelled or refreshed.
+// When a download has ended, the application gets MSG_BS_CALLLOG_DOWNLOADED (CallLogMessages.h).
+// When there is no memory even for that, no message is sent, and the list may count as being
+// fetched until it is cancelled or refreshed.
 class CBSCallLogController {
  public:
   // The controller. The first call creates it and loads the configuration file, which is created
@@ -78,9 +77,9 @@ class CBSCallLogController {
   // Name of a source; empty when there is no such source.
   CALLLOG_EXPORT std::string GetConfiguredItemName(int index) const;
 
-  // A source, or null when there is no such source. It stays the module's, and is valid until the
-  // next reload.
-  CALLLOG_EXPORT const BroadSoftConfigItem* GetConfigDataByIndex(int index) const;
+  // A source, or null when there is no such source. It stays the module's, which is told of a
+  // change by SetConfigDataByIndex() alone, and is valid until the next reload.
+  CALLLOG_EXPORT BroadSoftConfigItem* GetConfigDataByIndex(int index) const;
 
   // Replaces a source and writes the configuration file; nothing happens when there is no such
   // source. Lists already downloaded stay, under the URLs of before. When memory runs out, the file

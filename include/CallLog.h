@@ -10,14 +10,22 @@
 //
 // Thread: every call is made on the UI application's message thread. The module takes no locks.
 //
-// Failures are results, never exceptions. When memory runs out, a call answers what it answers for
-// a failure (0, -1, false, an empty text, null for a controller that could not be created, which
-// the next call tries again), a page handed in stays as it was, and no record is there in part.
+// Re-entry: from inside CommonUnits_AddStatus, CommonUnits_RemoveStatus, backlight_RegisterEvent
+// and ledlamp_PostEvent every call may be made but ReleaseInstance(). The change that they tell of
+// has happened by then: a call that is being removed is in no list any more. What the outer call
+// posts behind it still carries the count of before. From inside any other operation of the
+// platform no call may be made.
+//
+// Failures are results, never exceptions. When memory runs out, or the platform throws although it
+// must not, a call answers what it answers for a failure (0, -1, false, an empty text, null for a
+// controller that could not be created, which the next call tries again), a page handed in stays as
+// it was, and no record is there in part.
 #pragma once
 
 #include "BSCallLogController.h"
 #include "CallLogController.h"
 #include "CallLogExport.h"
+#include "CallLogMessages.h"
 #include "CallLogRecords.h"
 
 // The functions below reach the module without holding a controller. The first call of a run

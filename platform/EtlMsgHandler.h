@@ -5,13 +5,20 @@
 // calls are made on that thread as well; the two notify calls may be made from any thread.
 #pragma once
 
+// The broadcast that a configuration item has changed; wParam names the item.
+inline constexpr unsigned int BROAD_MSG_CONFIG_CHANGE = 0x10007;
+
+// The item of the server call logs' sources: their file was changed, by whoever provisions the
+// phone.
+inline constexpr unsigned int ST_BS_CALLLOG = 0x28;
+
 namespace ETL_MsgQueueHelper {
 
 // One message on its way through a handler. The platform owns it; it is valid only during the call.
 class msgObject {
  public:
   unsigned int message = 0;  // message number
-  unsigned int wParam = 0;   // first parameter; for 0x8113 the timer's id, for 0x10007 the item
+  unsigned int wParam = 0;   // first parameter; for 0x8113 the timer's id
   int lParam = 0;            // second parameter
 
   // Answers the sender. At most one answer counts, the first; without a waiting sender it is

@@ -95,7 +95,6 @@ void PowerCycle(Phone& phone, Arguments& arguments) {
 
 // The platform's broadcast that a configuration item has changed, 0x28 or 0x47 for this module.
 void Broadcast(Phone& phone, Arguments& arguments) {
-  constexpr unsigned int kConfigChange = 0x10007;
   const std::string item = arguments.Word("the item");
   arguments.Done();
   char* end = nullptr;
@@ -103,8 +102,8 @@ void Broadcast(Phone& phone, Arguments& arguments) {
   if (*end != '\0' || item.empty() || value > UINT_MAX) {
     throw CommandError("the item must be a number such as 0x28, not \"" + item + "\"");
   }
-  const auto reply =
-      phone.platform().loop.Send({kConfigChange, static_cast<unsigned int>(value), 0, {}});
+  const auto reply = phone.platform().loop.Send(
+      {BROAD_MSG_CONFIG_CHANGE, static_cast<unsigned int>(value), 0, {}});
   phone.out() << (reply ? "  replied " + std::to_string(*reply) : "  no reply") << "\n";
 }
 
