@@ -12,7 +12,6 @@
 #include "CallLogSearchHelper.h"
 #include "CallTypes.h"
 #include "CommonAPI.h"
-#include "CommonUnits.h"
 #include "ConfigParser.h"
 #include "Directory.h"
 #include "EtlMsgHandler.h"
@@ -20,6 +19,7 @@
 #include "Failure.h"
 #include "FileWriter.h"
 #include "HistoryDocument.h"
+#include "KeyString.h"
 #include "NewCallStatus.h"
 #include "Paths.h"
 #include "RowRange.h"
@@ -161,8 +161,7 @@ int CCallLogModel::AddLog(const CallLogAddItemData& call) {
     if (account != nullptr && !account->IsSaveMissCallLog()) return -1;
   }
 
-  LogList added(1);
-  ItemData& item = added.front();
+  ItemData item;
   item.type = call.type;
   item.born_tick = call.born_tick;
   item.duration = call.duration;
@@ -178,10 +177,10 @@ int CCallLogModel::AddLog(const CallLogAddItemData& call) {
   etlTrace(3, "--Call log: forwarder name is %s", item.forward_display_name.c_str());
   item.forward_sip_name = call.forward_sip_name;
   item.forward_sip_server = call.forward_sip_server;
-  item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
+  item.key_string = KeyStringOf(item.remote_display_name);
   item.is_new = true;
 
-  const int result = MyInsertLog(std::move(added), true);
+  const int result = MyInsertLog(item, true);
   if (result >= 0) {
     if (call.type == kMissed) MyAddMissedCall(1);
     if (call.type == kForwarded) MyAddForwardedCall(1);
@@ -199,22 +198,21 @@ void CCallLogModel::MyForgetNew(const ItemData& item) {
   }
 }
 
-int CCallLogModel::MyInsertLog(LogList added, bool setDirty) {
-  if (added.empty()) return -1;
-  const int type = added.front().type;
-  const int bornTick = added.front().born_tick;
+int CCallLogModel::MyInsertLog(const ItemData& added, bool setDirty) {
+  LogList copy = OrFailure(LogList(), [&] { return LogList(1, added); });
+  if (copy.empty()) return -1;
   int sameType = 0;
   auto place = m_listLog.end();
   for (auto it = m_listLog.begin(); it != m_listLog.end();) {
-    if (it->type == type && ++sameType >= kMaxRecordsPerType) {
+    if (it->type == added.type && ++sameType >= kMaxRecordsPerType) {
       MyForgetNew(*it);
       it = m_listLog.erase(it);
       continue;
     }
-    if (place == m_listLog.end() && it->born_tick < bornTick) place = it;
+    if (place == m_listLog.end() && it->born_tick < added.born_tick) place = it;
     ++it;
   }
-  m_listLog.splice(place, added);
+  m_listLog.splice(place, copy);
   if (setDirty) MySetDirty(true);
   return 0;
 }
@@ -237,9 +235,11 @@ bool CCallLogModel::RemoveLog(int type, int index) {
   int row = -1;
   for (auto it = m_listLog.begin(); it != m_listLog.end(); ++it) {
     if (!IsInView(*it, type) || ++row != index) continue;
-    MyForgetNew(*it);
+    LogList removed;  // who is told of the status may come back in, and must not meet the record
+    MyForgetHits();
+    removed.splice(removed.end(), m_listLog, it);
+    MyForgetNew(removed.front());
     MyCheckStatus(type);
-    m_listLog.erase(it);
     MySetDirty(true);
     return true;
   }
@@ -257,6 +257,7 @@ bool CCallLogModel::RemoveLogList(int type, const std::list<int>& indexes) {
     if (wanted == pending.end()) {
       ++it;
     } else {
+      MyForgetHits();
       MyForgetNew(*it);
       it = m_listLog.erase(it);
       pending.erase(wanted);
@@ -277,14 +278,20 @@ bool CCallLogModel::RemoveAllLogs(int type) {
 }
 
 void CCallLogModel::MyClearLogListByType(int type) {
+  MyForgetHits();
   m_listLog.remove_if([type](const ItemData& item) { return IsInView(item, type); });
 }
 
 // History file
 
-// The search holds pointers to records: every change makes it forget them.
+// The search holds pointers to records: every change makes it forget them, and where records go
+// before others are told, it forgets them first.
+void CCallLogModel::MyForgetHits() {
+  if (m_pSearchHelper != nullptr) m_pSearchHelper->ResetKey();
+}
+
 void CCallLogModel::MySetDirty(bool bDirty) {
-  if (bDirty && m_pSearchHelper != nullptr) m_pSearchHelper->ResetKey();
+  if (bDirty) MyForgetHits();
   if (m_bDirty == bDirty) return;
   m_bDirty = bDirty;
   if (m_bDirty) timerSetThreadTimer(kSaveTimer, kSaveDelay);
@@ -318,9 +325,10 @@ bool CCallLogModel::MyLoadDataFromFile() {
   TiXmlElement* const root = document.FirstChildElement(kHistoryRoot);
   if (root == nullptr) return false;
   bool complete = true;
+  ItemData item;
   for (TiXmlElement* element = root->FirstChildElement(kHistoryItem); element != nullptr;
        element = element->NextSiblingElement(kHistoryItem)) {
-    if (MyInsertLog(ReadHistoryItem(element), false) < 0) complete = false;
+    if (!ReadHistoryItem(element, &item) || MyInsertLog(item, false) < 0) complete = false;
   }
   return complete;
 }

@@ -86,12 +86,13 @@ class CCallLogModel {
   bool MyInit();
   bool MyFinal();
 
-  int MyInsertLog(LogList added, bool setDirty);  // one record; -1 for none
+  int MyInsertLog(const ItemData& added, bool setDirty);
   void MyClearLogListByType(int type);
   void MyForgetNew(const ItemData& item);
 
   bool MyLoadDataFromFile();
   void MySetDirty(bool bDirty);
+  void MyForgetHits();
   bool MyGetDirty() const;
 
   bool MyAddMissedCall(int nAdd);

@@ -9,8 +9,8 @@
 
 namespace NS_CALLLOG {
 
-// What `operation` gives; `failure` when it ends with an exception, which here means that memory
-// ran out.
+// What `operation` gives; `failure` when it ends with an exception: memory ran out, or the platform
+// threw what it must not.
 template <class Result, class Operation>
 Result OrFailure(Result failure, const Operation& operation) {
   try {

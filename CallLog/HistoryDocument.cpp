@@ -9,10 +9,10 @@
 #include <rapidxml/rapidxml_print.hpp>
 
 #include <charconv>
-#include <new>
 #include <string_view>
 
-#include "CommonUnits.h"
+#include "Failure.h"
+#include "KeyString.h"
 #include "TinyXmlHelper.h"
 #include "XmlChars.h"
 
@@ -111,23 +111,20 @@ std::string PrintHistory(const LogList& records) {
   return text;
 }
 
-LogList ReadHistoryItem(TiXmlElement* element) {
-  try {
-    LogList read(1);
-    ItemData& item = read.front();
-    item.type = TinyXml_GetIntAttr(element, "type", 0);
-    item.born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
-    item.local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
-    item.local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
-    item.remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
-    item.remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
-    item.remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
-    item.key_string = CommonUnits_ToKeyString(item.remote_display_name);
-    item.duration = TinyXml_GetIntAttr(element, "duration", 0);
-    return read;
-  } catch (const std::bad_alloc&) {
-    return {};
-  }
+bool ReadHistoryItem(TiXmlElement* element, ItemData* item) {
+  return OrFailure(false, [&] {
+    item->Reset();
+    item->type = TinyXml_GetIntAttr(element, "type", 0);
+    item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
+    item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
+    item->local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");
+    item->remote_sip_name = TinyXml_GetStringAttr(element, "remote_sip_name", "");
+    item->remote_display_name = TinyXml_GetStringAttr(element, "remote_display_name", "");
+    item->remote_sip_server = TinyXml_GetStringAttr(element, "remote_sip_server", "");
+    item->key_string = KeyStringOf(item->remote_display_name);
+    item->duration = TinyXml_GetIntAttr(element, "duration", 0);
+    return true;
+  });
 }
 
 }  // namespace NS_CALLLOG

@@ -16,8 +16,8 @@ inline constexpr char kHistoryItem[] = "item";
 // The text of the file that holds these records.
 std::string PrintHistory(const CCallLogModel::LogList& records);
 
-// The stored fields of one record from an element of the file, whatever its values are. No record
-// when there is no memory for them.
-CCallLogModel::LogList ReadHistoryItem(TiXmlElement* element);
+// Fills `item` with the record that stands in an element of the file, whatever its values are.
+// False when that fails.
+bool ReadHistoryItem(TiXmlElement* element, CCallLogModel::ItemData* item);
 
 }  // namespace NS_CALLLOG

@@ -227,7 +227,6 @@ bool timerKillThreadTimer(unsigned int) {
 }
 
 namespace NS_TA {
-CTaskActionCallbackBase::CTaskActionCallbackBase() = default;
 CTaskActionCallbackBase::~CTaskActionCallbackBase() { transfer.reset(); }
 bool CTaskActionCallbackBase::TryThreadMessage(ETL_MsgQueueHelper::msgObject&) { return false; }
 void CTaskAction::SetRead(bool) {}

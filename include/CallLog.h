@@ -33,18 +33,20 @@
 
 extern "C" {
 
-// Stores a finished call as new and shows it when it was missed or forwarded.
+// Stores a finished call as new and shows it when it was missed or forwarded. When its type holds a
+// hundred already, the last of them goes, also for a call that is older than that.
 // 0: stored. -1: refused, because the configuration value "HistorySavedSwitch" is not 1, because
 // the type is not 1 to 4, because it is a missed call of an account that keeps no missed calls, or
 // because there is no memory for it.
 CALLLOG_EXPORT int CallLog_AddLog(const CallLogAddItemData& call);
 
-// Gives every stored call of a contact's numbers the contact's name. 1; 0 when memory ran out on
-// the way.
+// Gives every stored call of a contact's numbers the contact's name, and every call forwarded to
+// one of them; the name of a forward target is not saved. A search by digits finds a call under the
+// key-pad form of its former name until the next start. 1; 0 when memory ran out on the way.
 CALLLOG_EXPORT int CallLog_UpdateLog(const CallLogUpdateData& contact);
 
-// Forgets every contact's name: each stored call shows its number again. 1; 0 when memory ran out
-// on the way.
+// Forgets every contact's name: each stored call shows its number again, and so does the target of
+// a forwarded one. The key-pad forms stay as above. 1; 0 when memory ran out on the way.
 CALLLOG_EXPORT int CallLog_ResetLogContactName();
 
 // Fills one page of the calls whose number, or name spelled on the key pad, begins with `key` (when
@@ -74,11 +76,12 @@ CALLLOG_EXPORT void RemoveForwardDirtyByNumber(const char* number);
 CALLLOG_EXPORT int CallLog_IsBroadSoftCallLogConfigured();
 CALLLOG_EXPORT int CallLog_IsOtherLocalCallLogConfigured();
 
-// Registers the module for the platform's configuration-change message 0x10007; call it once, at
-// start-up. Item 0x28 reloads the sources of the server call logs, sets the title of their menu
-// entry, sends 0x914 to the application and replies 1. Item 0x47 goes to the local history as the
-// click action "OpenCallLogPage(local_contact_1)", without a reply. Nothing unregisters it.
-// 1; 0 when there is no memory for it.
+// Registers the module for the platform's message BROAD_MSG_CONFIG_CHANGE, 0x10007; call it once,
+// at start-up. Item ST_BS_CALLLOG, 0x28, reloads the sources of the server call logs, sets the
+// title of their menu entry, sends MSG_BS_CALLLOG_RELOADED to the application and replies 1. Item
+// 0x47 goes to the local history as the click action "OpenCallLogPage(local_contact_1)", without a
+// reply. Nothing unregisters it. 1, also when the platform refused the registration; 0 when there
+// is no memory for it.
 CALLLOG_EXPORT int CallLog_RegisterMessage();
 
 }  // extern "C"

@@ -26,11 +26,12 @@ class CCallLogController {
  public:
   // The controller. The first call creates it, loads the history file and registers for message
   // 0x8113. Null when there is no memory for it; the next call tries again. When memory runs out
-  // while the file is read, the history begins with what was read so far, or empty.
+  // while the file is read, the history begins with the calls for which there was some, or empty.
   CALLLOG_EXPORT static CCallLogController* GetInstance();
 
   // Destroys the controller and the history in memory, without saving: call SaveToFile() first to
-  // keep the changes of the last 5 seconds.
+  // keep the changes of the last 5 seconds. A save timer that runs is not stopped: what it still
+  // sends, again and again where timers are periodic, reaches nobody.
   CALLLOG_EXPORT static void ReleaseInstance();
 
   // Handler of the thread-timer message 0x8113. 1 when it saved the history; 0 for another message
@@ -45,8 +46,8 @@ class CCallLogController {
   CALLLOG_EXPORT int GetLogListByClickAction(CallLogSimpleListData* page,
                                              const std::string& action) const;
 
-  // Fills the detail of one call. 1 when filled; 0 for a null detail, a type beyond 4, or no such
-  // row.
+  // Fills the detail of one call. 1 when filled; 0, and the detail as it was, for a null detail, a
+  // type beyond 4, or no such row.
   CALLLOG_EXPORT int GetLogDetailByClickAction(CallLogDetailData* detail, const std::string& action,
                                                int row) const;
 
@@ -82,7 +83,7 @@ class CCallLogController {
 
   // Gives every call of an entry's number, and every call forwarded to it, the entry's name as it
   // stands, empty or not; an empty number is compared like any other. The later entry of a number
-  // wins.
+  // wins. Key-pad forms stay, as with CallLog_UpdateLog.
   CALLLOG_EXPORT void UpdateDispName(const std::list<SuperSearchItemData>& names);
 
   // Writes the history file now if anything changed since the last save. 1 when it was written,

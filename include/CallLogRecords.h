@@ -1,8 +1,10 @@
 // The records that the module and the UI application exchange.
 //
 // Strings are bytes, UTF-8 where they come from a file. A record belongs to whoever made it: the
-// module only reads the ones passed by reference, and only appends to the lists of the ones passed
-// by pointer. Reset() empties every string and zeroes every number; a new record is reset.
+// module only reads the ones passed by reference. Of the ones passed by pointer it fills the fields
+// that are its own, and appends to the lists; it takes nothing out, and changes no row but the
+// count of one in a notification list. Reset() empties every string and zeroes every number; a new
+// record is reset.
 #pragma once
 
 #include <list>

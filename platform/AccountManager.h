@@ -1,4 +1,5 @@
-// The phone's SIP accounts. Message thread only.
+// The phone's SIP accounts. Message thread only. Names can come from a damaged file: any bytes, any
+// length, must not throw but for want of memory.
 #pragma once
 
 #include <string>

@@ -6,5 +6,6 @@ enum BACK_LIGHT_TYPE {
 };
 
 // Registers or withdraws a reason to light the display. Registering one that is registered already
-// is allowed and happens often. Never throws.
+// is allowed and happens often. Never throws. May enter the module again, but for
+// ReleaseInstance(): see CallLog.h.
 void backlight_RegisterEvent(BACK_LIGHT_TYPE type, bool on);

@@ -1,4 +1,5 @@
-// Helpers shared by the modules of the UI process. Any thread.
+// Helpers shared by the modules of the UI process. Any thread. Texts are what callers, servers and
+// users chose: any bytes, any length, must not throw but for want of memory.
 #pragma once
 
 #include <string>

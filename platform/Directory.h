@@ -1,4 +1,5 @@
-// The phone's contact directory. Message thread only.
+// The phone's contact directory. Message thread only. Callers choose their numbers: any bytes, any
+// length, must not throw but for want of memory.
 #pragma once
 
 #include <list>

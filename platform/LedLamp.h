@@ -9,7 +9,8 @@ enum LAMP_EVENTTYPE {
 };
 
 // Switches an event on or off; the LED is lit while any event is on. Posting an event that is
-// already in the wanted state is allowed and happens often. Never throws.
+// already in the wanted state is allowed and happens often. Never throws. May enter the module
+// again, but for ReleaseInstance(): see CallLog.h.
 void ledlamp_PostEvent(LAMP_EVENTTYPE event, bool on);
 
 }  // namespace ledlamp

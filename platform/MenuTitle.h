@@ -1,4 +1,5 @@
-// Titles of menu entries. Message thread only.
+// Titles of menu entries, which come from a file: any text, any length, must not throw but for want
+// of memory. Message thread only.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// Call control. Message thread only.
+// Call control. Message thread only. Callers choose numbers and names: any bytes, any length, must
+// not throw but for want of memory.
 #pragma once
 
 #include <string>

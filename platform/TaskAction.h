@@ -21,7 +21,7 @@ class CTaskAction;
 // Base of an object that receives completions.
 class CTaskActionCallbackBase {
  public:
-  CTaskActionCallbackBase();
+  CTaskActionCallbackBase() = default;
 
   // The thread-message hook: the platform hands it the message that announces a completion, and it
   // calls OnTaskActionCallback with the action that has ended. True when the message was such a

@@ -1,4 +1,5 @@
-// Attribute and text helpers over TinyXML elements. Any thread.
+// Attribute and text helpers over TinyXML elements. Any thread. Values are what a file or a server
+// holds: any text, any length, must not throw but for want of memory.
 #pragma once
 
 #include <string>

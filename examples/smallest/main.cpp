@@ -144,7 +144,6 @@ std::string TinyXml_GetStringAttr(TiXmlElement*, const char*, const char* fallba
 std::string TinyXml_GetElemText(TiXmlElement*, const char* fallback) { return fallback; }
 
 namespace NS_TA {
-CTaskActionCallbackBase::CTaskActionCallbackBase() = default;
 CTaskActionCallbackBase::~CTaskActionCallbackBase() = default;
 bool CTaskActionCallbackBase::TryThreadMessage(ETL_MsgQueueHelper::msgObject&) { return false; }
 void CTaskAction::SetRead(bool) {}

@@ -2,6 +2,7 @@
 // exists at a time; the platform's functions act on it.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -57,6 +58,7 @@ class Desktop {
   TransferService transfers;
   bool networkUp = true;
   bool hasMenu = true;
+  std::function<void()> onDisplayChange;  // called behind each status, LED and backlight event
 
   const Clock& clock() const { return *clock_; }
   ManualClock* manualClock() const { return dynamic_cast<ManualClock*>(clock_.get()); }

@@ -1,6 +1,8 @@
 // Idle statuses, LED, backlight and menu titles: kept for the phone to show, noted in the journal.
 #include "Display.h"
 
+#include <utility>
+
 #include "Backlight.h"
 #include "CommonUnits.h"
 #include "Desktop.h"
@@ -13,6 +15,12 @@ using desk::Desktop;
 
 namespace {
 
+void Note(std::string line) {
+  Desktop& desktop = Desktop::Current();
+  desktop.journal.Add(std::move(line));
+  if (desktop.onDisplayChange) desktop.onDisplayChange();
+}
+
 void Switch(std::set<int>& events, int event, bool on, const char* name) {
   desk::Quietly([&] {
     if (on) {
@@ -20,7 +28,7 @@ void Switch(std::set<int>& events, int event, bool on, const char* name) {
     } else {
       events.erase(event);
     }
-    Desktop::Current().journal.Add(desk::Format("%s %d %s", name, event, on ? "on" : "off"));
+    Note(desk::Format("%s %d %s", name, event, on ? "on" : "off"));
   });
 }
 
@@ -30,12 +38,12 @@ class DesktopMenuTitleManager : public NS_MENU::CMenuTitleManager {};
 
 void CommonUnits_AddStatus(int id, const std::string& text) {
   Desktop::Current().display.statuses[id] = text;
-  Desktop::Current().journal.Add(desk::Format("status %d ", id) + text);
+  Note(desk::Format("status %d ", id) + text);
 }
 
 void CommonUnits_RemoveStatus(int id) {
   Desktop::Current().display.statuses.erase(id);
-  Desktop::Current().journal.Add(desk::Format("status %d off", id));
+  Note(desk::Format("status %d off", id));
 }
 
 void ledlamp::ledlamp_PostEvent(LAMP_EVENTTYPE event, bool on) {

@@ -10,8 +10,6 @@ using desk::TransferService;
 
 namespace NS_TA {
 
-CTaskActionCallbackBase::CTaskActionCallbackBase() = default;
-
 CTaskActionCallbackBase::~CTaskActionCallbackBase() {
   if (TransferService* const service = TransferService::Current()) service->Detach(this);
 }
