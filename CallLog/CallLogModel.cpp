@@ -201,15 +201,17 @@ void CCallLogModel::MyForgetNew(const ItemData& item) {
 int CCallLogModel::MyInsertLog(const ItemData& added, bool setDirty) {
   LogList copy = OrFailure(LogList(), [&] { return LogList(1, added); });
   if (copy.empty()) return -1;
+  const int type = added.type;  // the walk is what an add costs
+  const int bornTick = added.born_tick;
   int sameType = 0;
   auto place = m_listLog.end();
   for (auto it = m_listLog.begin(); it != m_listLog.end();) {
-    if (it->type == added.type && ++sameType >= kMaxRecordsPerType) {
+    if (it->type == type && ++sameType >= kMaxRecordsPerType) {
       MyForgetNew(*it);
       it = m_listLog.erase(it);
       continue;
     }
-    if (place == m_listLog.end() && it->born_tick < added.born_tick) place = it;
+    if (place == m_listLog.end() && it->born_tick < bornTick) place = it;
     ++it;
   }
   m_listLog.splice(place, copy);

@@ -23,7 +23,7 @@ OTHERS = ("SQLite, search indexes", "straightforward", "memcpy", "TinyXML, text"
 # measure. Where a time is the aim and instructions cannot be, these have a limit a little above what
 # they are now: a check that takes no times goes by it.
 AIMS = [
-    ("add, against the bare walk", "add", "bare walk", {"time": 1.5, "instructions": 2.3}),
+    ("add, against the bare walk", "add", "bare walk", {"time": 1.5, "instructions": 2.5}),
     ("add, against SQLite in memory", "add", MEMORY, {"time": 0.15, "instructions": 0.15}),
     ("each keystroke, against SQLite", ".*, key .", MEMORY, {"time": 0.05, "instructions": 0.09}),
     ("narrowing a tenth, against the full search", "a tenth.*", "module, full search",
