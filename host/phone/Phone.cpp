@@ -44,6 +44,7 @@ Phone::Phone(const std::filesystem::path& root, const Profile& profile,
   platform_.loop.SetObserver(
       [this](const Message& message, int result) { OnHandled(message, result); });
   if (platform_.manualClock() != nullptr) platform_.transfers.Hold();
+  if (root_.wasOpen()) out_ << "  * other users could read this phone's files; now only you can\n";
   PowerOn();
   ReportGuard();
 }

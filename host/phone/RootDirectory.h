@@ -2,6 +2,8 @@
 // below the working directory of the process, so the phone moves there.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <stdexcept>
 
@@ -12,10 +14,13 @@ class RootError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// As long as it exists, what the process makes is its user's alone: the files tell who called, and
+// passwords stand in them.
 class RootDirectory {
  public:
-  // Makes the directory and what the module expects in it, takes it for this process alone, and
-  // makes it the working directory. Throws RootError.
+  // Makes the directory and what the module expects in it, takes it for this process alone, closes
+  // it to other users, and makes it the working directory. What a transfer of an ended process has
+  // left there goes. Throws RootError: for a directory that holds other files and no phone, too.
   explicit RootDirectory(const std::filesystem::path& path);
   ~RootDirectory();
   RootDirectory(const RootDirectory&) = delete;
@@ -23,14 +28,36 @@ class RootDirectory {
 
   const std::filesystem::path& path() const { return path_; }
   const std::filesystem::path& startedIn() const { return before_; }
+  // The directory of a phone was there, and open to other users.
+  bool wasOpen() const { return wasOpen_; }
 
   // A folder under the user's state directory.
   static std::filesystem::path Default();
 
  private:
+  class PrivateUmask {
+   public:
+    PrivateUmask();
+    ~PrivateUmask();
+
+   private:
+    const mode_t before_;
+  };
+
+  class Lock {
+   public:
+    ~Lock();
+    void Take(const std::filesystem::path& root);
+
+   private:
+    int file_ = -1;
+  };
+
+  const PrivateUmask umask_;
   std::filesystem::path path_;
   std::filesystem::path before_;  // the working directory to go back to
-  int lock_ = -1;
+  Lock lock_;
+  bool wasOpen_ = false;
 };
 
 }  // namespace desk

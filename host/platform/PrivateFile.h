@@ -22,6 +22,9 @@ class PrivateFile {
   bool Close();
   bool MoveTo(const std::string& target);  // replaces a link rather than following it
 
+  // Removes what processes that ended too early have left beside `target`.
+  static void RemoveLeft(const std::filesystem::path& target);
+
  private:
   struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
