@@ -32,6 +32,7 @@ class ProfileTest : public PhoneTest {
 
 TEST_F(ProfileTest, ReadsEverySetting) {
   WriteFile("book.vcf", "BEGIN:VCARD\r\nFN:Ελένη\r\nTEL:61 3\r\nEND:VCARD\r\n");
+  WriteFile("ca.pem", "-----BEGIN CERTIFICATE-----\n");
   WriteFile("profile.toml", R"(timezone = "Europe/Berlin"
 network.up = false
 menu.present = false
@@ -45,6 +46,7 @@ connect_seconds = 3600
 idle_seconds = 3
 total_seconds = 4
 max_redirects = 0
+ca_file = "ca.pem"
 [[account]]
 id = 7
 name = "anna"
@@ -64,6 +66,7 @@ photo = "photos/stephane.png"
   EXPECT_EQ(profile.config,
             (std::map<std::string, int>{{"HistorySavedSwitch", 1}, {"Any key", -2147483647 - 1}}));
   EXPECT_EQ(Settings(profile), (std::vector<int>{0, 0, 1, 3600, 3, 4, 0}));
+  EXPECT_EQ(profile.limits.ca_file, root.path() / "ca.pem");
   Texts accounts;
   for (const Account& account : profile.accounts) {
     accounts.push_back(account.FullName() + " " + std::to_string(account.GetAccountId()) +
@@ -86,6 +89,7 @@ TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
   EXPECT_TRUE(profile.timezone.empty() && profile.config.empty());
   EXPECT_TRUE(profile.accounts.empty() && profile.contacts.empty());
   EXPECT_EQ(Settings(profile), (std::vector<int>{1, 1, 4194304, 10, 15, 60, 5}));
+  EXPECT_EQ(profile.limits.ca_file, "");
 }
 
 TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
@@ -115,6 +119,8 @@ TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
       {"[transfer]\nmax_bytes = 0\n", "2: \"max_bytes\" must be from 1 to 2147483647"},
       {"[transfer]\nidle_seconds = 3601\n", "2: \"idle_seconds\" must be from 1 to 3600"},
       {"[transfer]\nmax_redirects = -1\n", "2: \"max_redirects\" must be from 0 to 50"},
+      {"[transfer]\nca_file = 'none.pem'\n", "2: cannot read none.pem: No such file"},
+      {"[transfer]\n\nca_file = 'profile.toml'\n", "3: no certificate (PEM) in profile.toml"},
       {"[account]\nid = 1\n", "1: \"account\" must be an array of tables, found: table"},
       {"account = [\n 1]\n", "2: \"account\" must be an array of tables, found: integer"},
       {anna + "usable = 'yes'\n", "5: \"usable\" must be true or false, found: string"},

@@ -153,15 +153,6 @@ Reader ContactsInto(std::vector<Contact>& contacts) {
   });
 }
 
-Reader LimitsInto(TransferLimits& limits) {
-  constexpr int kHour = 3600;
-  return Table({{"max_bytes", Between(1, std::numeric_limits<int>::max(), limits.max_bytes)},
-                {"connect_seconds", Between(1, kHour, limits.connect_seconds)},
-                {"idle_seconds", Between(1, kHour, limits.idle_seconds)},
-                {"total_seconds", Between(1, kHour, limits.total_seconds)},
-                {"max_redirects", Between(0, 50, limits.max_redirects)}});
-}
-
 std::string ReadFile(const std::filesystem::path& file, std::error_code& error) {
   // A folder can be opened like a file, but not read.
   const bool isFolder = std::filesystem::is_directory(file, error);
@@ -174,14 +165,46 @@ std::string ReadFile(const std::filesystem::path& file, std::error_code& error) 
   return text.str();
 }
 
+struct NamedFile {
+  std::filesystem::path path;
+  std::string text;
+};
+
+NamedFile ReadNamed(const std::filesystem::path& folder, const toml::node& value,
+                    std::string_view name) {
+  NamedFile file;
+  file.path = folder / ReadText(value, name);
+  std::error_code error;
+  file.text = ReadFile(file.path, error);
+  if (error) Fail(value.source(), "cannot read " + file.path.string() + ": " + error.message());
+  return file;
+}
+
 Reader VCardsInto(std::vector<Contact>& contacts, const std::filesystem::path& folder) {
   return [&contacts, folder](const toml::key& key, const toml::node& value) {
-    const std::filesystem::path file = folder / ReadText(value, key);
-    std::error_code error;
-    const std::string text = ReadFile(file, error);
-    if (error) Fail(value.source(), "cannot read " + file.string() + ": " + error.message());
-    contacts = ParseVCards(text, file.string());
+    const NamedFile file = ReadNamed(folder, value, key);
+    contacts = ParseVCards(file.text, file.path.string());
   };
+}
+
+Reader CertificatesInto(std::string& path, const std::filesystem::path& folder) {
+  return [&path, folder](const toml::key& key, const toml::node& value) {
+    const NamedFile file = ReadNamed(folder, value, key);
+    if (file.text.find("CERTIFICATE-----") == file.text.npos) {
+      Fail(value.source(), "no certificate (PEM) in " + file.path.string());
+    }
+    path = std::filesystem::absolute(file.path).string();  // the phone moves to its root
+  };
+}
+
+Reader LimitsInto(TransferLimits& limits, const std::filesystem::path& folder) {
+  constexpr int kHour = 3600;
+  return Table({{"max_bytes", Between(1, std::numeric_limits<int>::max(), limits.max_bytes)},
+                {"connect_seconds", Between(1, kHour, limits.connect_seconds)},
+                {"idle_seconds", Between(1, kHour, limits.idle_seconds)},
+                {"total_seconds", Between(1, kHour, limits.total_seconds)},
+                {"max_redirects", Between(0, 50, limits.max_redirects)},
+                {"ca_file", CertificatesInto(limits.ca_file, folder)}});
 }
 
 }  // namespace
@@ -202,7 +225,7 @@ Profile LoadProfile(const std::filesystem::path& file) try {
             {"account", AccountsInto(profile.accounts)},
             {"contacts", Table({{"vcard", VCardsInto(addressBook, file.parent_path())}})},
             {"contact", ContactsInto(profile.contacts)},
-            {"transfer", LimitsInto(profile.limits)}});
+            {"transfer", LimitsInto(profile.limits, file.parent_path())}});
   std::move(addressBook.begin(), addressBook.end(), std::back_inserter(profile.contacts));
   return profile;
 } catch (const toml::parse_error& error) {

@@ -1,5 +1,5 @@
 // The desktop phone's profile: what the phone is set up with, as its TOML file says. Address books
-// that the file refers to are read by VCard.h.
+// that the file refers to are read by VCard.h. Files that it names stand relative to it.
 #pragma once
 
 #include <filesystem>
@@ -30,7 +30,7 @@ class ProfileError : public std::runtime_error {
   explicit ProfileError(const std::string& message);
 };
 
-// Throws ProfileError for everything that is wrong in `file` or in its address book.
+// Throws ProfileError for everything that is wrong in `file` or in what it names.
 Profile LoadProfile(const std::filesystem::path& file);
 
 }  // namespace desk

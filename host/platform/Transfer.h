@@ -17,13 +17,16 @@ class Trace;
 class TransferThread;
 struct Download;
 
-// What ends a transfer as failed.
+// What ends a transfer as failed, and whom it trusts.
 struct TransferLimits {
   int max_bytes = 4 * 1024 * 1024;  // of the document
   int connect_seconds = 10;
   int idle_seconds = 15;  // without a byte
   int total_seconds = 60;
   int max_redirects = 5;
+  // PEM file with certificates that vouch for https servers beside those of the system; empty:
+  // none.
+  std::string ca_file = {};
 };
 
 struct Transfer final : NS_TA::CNetworkFileAction {

@@ -47,13 +47,12 @@ bool Configure(Download& download, const TransferLimits& limits) {
   const auto set = [&](CURLoption option, auto value) {
     good = curl_easy_setopt(download.handle.get(), option, value) == CURLE_OK && good;
   };
-  constexpr char kProtocols[] = "http,https";
   set(CURLOPT_URL, download.url.address.c_str());
-  set(CURLOPT_PROTOCOLS_STR, kProtocols);
-  set(CURLOPT_REDIR_PROTOCOLS_STR, kProtocols);
+  set(CURLOPT_PROTOCOLS_STR, "http,https");  // of redirects, too
   set(CURLOPT_PROXY, "");  // whatever the environment says: it would see the credentials
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
+  if (!limits.ca_file.empty()) set(CURLOPT_CAINFO, limits.ca_file.c_str());
   if (!download.url.user.empty() || !download.url.password.empty()) {
     set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
     set(CURLOPT_USERNAME, download.url.user.c_str());
