@@ -2,12 +2,16 @@
 #include "LogServer.h"
 
 #include <httplib.h>
+#include <strings.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
-#include <fstream>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 #include <utility>
+
+#include "ServedDocument.h"
 
 namespace desk {
 namespace {
@@ -154,36 +158,40 @@ void LogServer::WaitWhile(const std::string& path, Kind kind, std::chrono::secon
 
 bool LogServer::IsAuthorized(const httplib::Request& request) const {
   if (settings_.user.empty()) return true;
-  const auto [name, value] =
+  const auto [name, wanted] =
       httplib::make_basic_authentication_header(settings_.user, settings_.password);
-  return request.get_header_value(name) == value;
+  const std::string given = request.get_header_value(name);
+  const std::size_t scheme = wanted.find(' ') + 1;
+  return strncasecmp(given.c_str(), wanted.c_str(), scheme) == 0 &&
+         given.compare(scheme, given.npos, wanted, scheme) == 0;
 }
 
-std::optional<std::string> LogServer::FindDocument(const std::string& path) const {
+std::shared_ptr<const ServedDocument> LogServer::FindDocument(const std::string& path) const {
   const std::string name = path.substr(path.rfind('/') + 1);
   if (name.find('\0') != name.npos) return {};
   for (const std::string& candidate : {name, name + ".xml"}) {
-    const std::filesystem::path file = settings_.directory / candidate;
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(file, ignored)) continue;
-    std::ifstream input(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << input.rdbuf();
-    if (input) return bytes.str();
+    if (auto document = ServedDocument::Open(settings_.directory / candidate)) return document;
   }
   return {};
 }
 
-void LogServer::AnswerHalf(const std::string& path, const std::string& document, Kind kind,
-                           httplib::Response& response) {
+void LogServer::Send(const std::string& path, const std::shared_ptr<const ServedDocument>& document,
+                     Kind kind, httplib::Response& response) {
+  if (document->size() == 0) return response.set_content("", kXml);
   const auto provide = [=](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-    const std::size_t half = document.size() / 2;
-    if (offset < half) return sink.write(document.data() + offset, half - offset);
-    if (kind == Kind::kCut) return false;
-    WaitWhile(path, kind);
-    return sink.write(document.data() + offset, length);
+    const std::size_t half = document->size() / 2;
+    if ((kind == Kind::kCut || kind == Kind::kStall) && offset < half) {
+      length = std::min(length, half - offset);
+    } else if (kind == Kind::kCut) {
+      return false;
+    } else if (kind == Kind::kStall) {
+      WaitWhile(path, kind);
+    }
+    std::array<char, 16 * 1024> bytes;
+    const std::size_t size = document->Read(offset, bytes.data(), std::min(length, bytes.size()));
+    return size > 0 && sink.write(bytes.data(), size);
   };
-  response.set_content_provider(document.size(), kXml, provide);
+  response.set_content_provider(document->size(), kXml, provide);
 }
 
 void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
@@ -205,13 +213,10 @@ void LogServer::Answer(const httplib::Request& request, httplib::Response& respo
     case Kind::kStall:
     case Kind::kCut: break;
   }
-  const std::optional<std::string> document = FindDocument(path);
-  if (!document) {
-    response.status = 404;
-  } else if (behaviour.kind == Kind::kCut || behaviour.kind == Kind::kStall) {
-    AnswerHalf(path, *document, behaviour.kind, response);
+  if (const auto document = FindDocument(path)) {
+    Send(path, document, behaviour.kind, response);
   } else {
-    response.set_content(*document, kXml);
+    response.status = 404;
   }
 }
 

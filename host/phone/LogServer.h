@@ -8,7 +8,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -43,11 +42,13 @@ struct Behaviour {
 // such as "404", or "redirect:URL". Throws std::invalid_argument for anything else.
 Behaviour ParseBehaviour(const std::string& text);
 
+class ServedDocument;
+
 class LogServer {
  public:
   struct Settings {
-    std::filesystem::path directory;
-    std::string user;  // empty: anybody
+    std::filesystem::path directory;  // its regular files; links in it are not followed
+    std::string user;                 // empty: anybody
     std::string password;
     int port = 0;  // 0: any free one
   };
@@ -79,15 +80,15 @@ class LogServer {
 
   bool Bind();
   void Answer(const httplib::Request& request, httplib::Response& response);
-  void AnswerHalf(const std::string& path, const std::string& document, Behaviour::Kind kind,
-                  httplib::Response& response);
+  void Send(const std::string& path, const std::shared_ptr<const ServedDocument>& document,
+            Behaviour::Kind kind, httplib::Response& response);
   bool IsAuthorized(const httplib::Request& request) const;
   Behaviour Arrive(const httplib::Request& request);
   // As long as the path behaves like this and the server runs.
   void WaitWhile(const std::string& path, Behaviour::Kind kind,
                  std::chrono::seconds limit = std::chrono::hours(24));
-  // The document named like the last part of the path, with or without ".xml".
-  std::optional<std::string> FindDocument(const std::string& path) const;
+  // The document named like the last part of the path, with or without ".xml"; null for none.
+  std::shared_ptr<const ServedDocument> FindDocument(const std::string& path) const;
 
   const Settings settings_;
   int port_ = 0;

@@ -1,5 +1,4 @@
 // The program deskphone: a desktop phone at a terminal, or driven by a script.
-#include <signal.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -10,10 +9,10 @@
 
 #include "CallImport.h"
 #include "CommandLine.h"
-#include "LogServer.h"
 #include "Phone.h"
 #include "Profile.h"
 #include "Script.h"
+#include "ServerProgram.h"
 #include "Terminal.h"
 #include "TimeInput.h"
 
@@ -33,7 +32,6 @@ struct Options {
   fs::path traceFile;
   fs::path documents;
   desk::CallImport import;
-  desk::LogServer::Settings server;
 };
 
 // A phone that stores calls, for whoever brings no profile.
@@ -139,32 +137,6 @@ CLI::App* AddImport(CLI::App* app, Options* options) {
   return cdr;
 }
 
-CLI::App* AddServer(CLI::App* app, Options* options) {
-  CLI::App* const server = app->add_subcommand(
-      "server", "serves call log documents on 127.0.0.1 until it is interrupted");
-  server->add_option("DIRECTORY", options->server.directory, "the documents")->required();
-  server->add_option("--port", options->server.port, "0: any free one")->capture_default_str();
-  server->add_option("--user", options->server.user,
-                     "wants this user; nobody in particular if empty");
-  server->add_option("--password", options->server.password, "and this password");
-  return server;
-}
-
-int RunServer(const Options& options) {
-  // Blocked in every thread, so that sigwait() below gets them.
-  sigset_t ends;
-  sigemptyset(&ends);
-  sigaddset(&ends, SIGINT);
-  sigaddset(&ends, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-  desk::LogServer server(options.server);
-  server.Start();
-  std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;
-  int received = 0;
-  sigwait(&ends, &received);
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -177,10 +149,10 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
   CLI::App* const importing = AddImport(&app, &options);
-  CLI::App* const serving = AddServer(&app, &options);
+  desk::ServerProgram server(&app);
   CLI11_PARSE(app, argc, argv);
   try {
-    if (serving->parsed()) return RunServer(options);
+    if (server.IsWanted()) return server.Run();
     if (options.demo) SetUpDemo(&options);
     return RunPhone(options, importing->parsed());
   } catch (const std::exception& error) {

@@ -1,0 +1,94 @@
+#!/usr/bin/env python3
+"""The program's log server: whom it lets in, and where its password comes from.
+
+server_program.py [EMULATOR...] DESKPHONE"""
+import base64
+import os
+import pty
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import urllib.error
+import urllib.request
+from pathlib import Path
+
+REFUSED = {
+    ("--password", "secret"): "a password without --user would let everybody in",
+    ("--user", "", "--password", "secret"): "a password without --user would let everybody in",
+    ("--password-file", "password"): "a password without --user would let everybody in",
+    ("--user", "anna"): "no password for anna: name a --password-file",
+    ("--user", "anna", "--password", ""): "no password for anna: name a --password-file",
+    ("--user", "anna", "--password", "secret", "--password-file", "password"):
+        "two passwords: leave out one of the options",
+    ("--user", "anna", "--password-file", "none"): "cannot read none: No such file or directory",
+    ("--user", "anna", "--password-file", "empty"): "empty: no password in its first line",
+    ("--user", "anna", "--password-file", "/dev/zero"): "/dev/zero: no password in its first line",
+}
+WELCOME = r"call logs on (http://127\.0\.0\.1:\d+/)"
+
+
+def status_of(url, password):
+    request = urllib.request.Request(url + "Missed")
+    if password is not None:
+        request.add_header("Authorization", "Basic " + base64.b64encode(f"anna:{password}".encode()).decode())
+    try:
+        return urllib.request.urlopen(request, timeout=30).status
+    except urllib.error.HTTPError as error:
+        return error.code
+
+
+def expect(what, found, expected):
+    if found != expected:
+        sys.exit(f"{what}: {found!r} instead of {expected!r}")
+
+
+def check_refusals(program):
+    for options, reason in REFUSED.items():
+        ended = subprocess.run([*program, *options], stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
+        expect(options, (ended.returncode, ended.stdout, ended.stderr), (1, "", f"deskphone: {reason}\n"))
+
+
+def check_serving(program, options, statuses):
+    server = subprocess.Popen([*program, *options], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+    url = re.match(WELCOME, server.stdout.readline())[1]
+    for password, status in statuses.items():
+        expect((options, password), status_of(url, password), status)
+    server.terminate()
+    expect(options, server.wait(timeout=60), 0)
+
+
+def read_until(terminal, pattern):
+    shown = ""
+    while not re.search(pattern, shown):
+        shown += os.read(terminal, 1000).decode()
+    return shown
+
+
+def check_question(program):
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execvp(program[0], [*program, "--user", "anna"])
+    shown = read_until(terminal, "password of anna: ")
+    os.write(terminal, b"secret\n")
+    shown += read_until(terminal, WELCOME + r"\s")
+    expect("what a terminal shows", "secret" in shown, False)
+    expect("after the question", status_of(re.search(WELCOME, shown)[1], "secret"), 200)
+    os.kill(child, signal.SIGTERM)
+    os.waitpid(child, 0)
+
+
+with tempfile.TemporaryDirectory() as directory:
+    os.chdir(directory)
+    Path("documents").mkdir()
+    Path("documents/Missed").write_text("<Missed/>")
+    Path("password").write_text("secret\r\nnot this\n")
+    Path("empty").write_text("\nsecret\n")
+    program = [*sys.argv[1:], "server", "documents"]
+    check_refusals(program)
+    check_serving(program, [], {None: 200})
+    check_serving(program, ["--user", "anna", "--password-file", "password"],
+                  {None: 401, "": 401, "Secret": 401, "secret": 200})
+    check_serving(program, ["--user", "anna", "--password", "p:w"], {"p:w": 200, "": 401})
+    check_question(program)
