@@ -1,10 +1,14 @@
-// Single-byte documents become UTF-8 before anything else looks at them.
+// Single-byte documents become UTF-8 before anything else looks at them. What says ISO-8859-1 is
+// read as windows-1252, as everybody does: the controls between 0x80 and 0x9F, which that would
+// have instead, are in no text.
 #include "XmlEncoding.h"
 
 #include <strings.h>
 
 #include <algorithm>
 #include <string_view>
+
+#include "XmlChars.h"
 
 namespace NS_CALLLOG {
 namespace {
@@ -31,7 +35,7 @@ std::string_view DeclaredEncoding(std::string_view document) {
   constexpr std::string_view kName = "encoding";
   constexpr std::string_view kBlanks = " \t\r\n";
   document.remove_prefix(std::min(document.find_first_not_of(kBlanks), document.size()));
-  if (document.substr(0, 5) != "<?xml") return {};
+  if (strncasecmp(document.data(), "<?xml", 5) != 0) return {};
   std::string_view rest = document.substr(0, document.find('>'));
   const std::size_t name = rest.find(kName);
   if (name == std::string_view::npos) return {};
@@ -50,19 +54,27 @@ bool IsOneOf(std::string_view name, std::initializer_list<const char*> names) {
   });
 }
 
+bool IsUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::size_t length = FirstXmlCharacter(bytes).length;
+    if (length == 1 && static_cast<unsigned char>(bytes.front()) >= 0x80) return false;
+    bytes.remove_prefix(length);
+  }
+  return true;
+}
+
 }  // namespace
 
 void DecodeSingleByteXml(std::string* document) {
-  const std::string_view encoding = DeclaredEncoding(*document);
-  const bool windows = IsOneOf(encoding, {"windows-1252", "cp1252"});
-  if (!windows && !IsOneOf(encoding, {"ISO-8859-1", "ISO8859-1", "latin1"})) return;
+  const auto names = {"ISO-8859-1", "ISO8859-1", "latin1", "windows-1252", "cp1252"};
+  if (!IsOneOf(DeclaredEncoding(*document), names) || IsUtf8(*document)) return;
   std::string utf8;
   utf8.reserve(document->size() + document->size() / 8);
   for (const char c : *document) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x80) {
       utf8.push_back(c);
-    } else if (windows && byte < 0xA0) {
+    } else if (byte < 0xA0) {
       AppendUtf8(kWindows1252[byte - 0x80], &utf8);
     } else {
       AppendUtf8(byte, &utf8);

@@ -237,7 +237,10 @@ TEST_F(ServerListTest, ReadsDocumentsOfAllKinds) {
        {"|2||"}},
       {"<Missed/>", {}},
       {"<?xml version='1.0' encoding='iso-8859-1'?><a>" + named("Ren\xE9\x80") + "</a>",
-       {"Ren\u00E9\u0080|||"}},
+       {"Ren\u00E9\u20AC|||"}},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><a>" + named("Ren\u00E9 \u20AC\x01\uFFFF") +
+           "</a>" + std::string(9, '\0'),
+       {"Ren\u00E9 \u20AC" + r + r + "|||"}},
       {"<?xml version='1.0' encoding=\"windows-1252\"?><a>" + named("\x80\xE9\x81\x9F") + "</a>",
        {"\u20AC\u00E9" + r + "\u0178|||"}},
       {Document(named("\xE9") + named("\xF0\x9F\x98") + named("Zo\u00EB") + named("\xC3\"") +
