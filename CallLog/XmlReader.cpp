@@ -22,6 +22,8 @@ namespace NS_CALLLOG {
 namespace {
 
 constexpr std::size_t kUsualFile = 128 * 1024;  // bytes; a full history is smaller
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kBeforeXml = " \t\n\v\f\r\xEF\xBB\xBF";  // blanks and byte order marks
 
 class FileDescriptor {
  public:
@@ -79,7 +81,10 @@ class PlainXmlWriter {
   void Replace(std::size_t length, std::string_view text);
   void Drop(std::size_t length) { Replace(length, {}); }
   void DropPast(std::string_view end);
+  void DropInstruction();
+  void DropXmlDeclaration();
   void DropDeclaration();
+  bool DropByteOrderMark();
   bool DropBadByte();
 
   template <class Wanted>
@@ -92,6 +97,7 @@ class PlainXmlWriter {
   bool KeepAttributes();
   bool KeepAttribute();
   bool KeepName();
+  bool QuoteValue();
   bool KeepUntil(char end);
   void KeepAmpersand();
   std::size_t ReferenceLength(char32_t* character) const;
@@ -100,17 +106,17 @@ class PlainXmlWriter {
   const char* run_;  // from here to `rest_` everything is kept, and not yet copied
   std::string* const out_;
   int depth_ = 0;
+  bool bracketsClose_ = true;  // false once a document type was found whose do not
 };
 
 // Behind the root element nothing but further nodes counts, as in TinyXML: text ends the document
 // there.
 bool PlainXmlWriter::Run() {
-  if (Starts("\xEF\xBB\xBF")) Drop(3);
   bool anything = false;
   for (;;) {
     if (depth_ == 0) {
       do Drop(SpacesAtStart(rest_));
-      while (!Begun() && DropBadByte());
+      while (!Begun() && (DropByteOrderMark() || DropBadByte()));
       if (rest_.empty() || rest_.front() != '<') return anything;
     } else if (!KeepUntil('<')) {
       return false;
@@ -132,17 +138,43 @@ void PlainXmlWriter::DropPast(std::string_view end) {
   Drop(found == std::string_view::npos ? rest_.size() : found + end.size());
 }
 
-// "<!...>", with a bracketed part when it is a document type.
+// "<?...?>", or "<?...>" when no "?>" comes before the next one.
+void PlainXmlWriter::DropInstruction() {
+  if (Starts("<?xml") || Starts("<?XML")) return DropXmlDeclaration();
+  const std::string_view head = rest_.substr(0, rest_.find("<?", 2));
+  DropPast(head.find("?>") != std::string_view::npos ? "?>" : ">");
+}
+
+// Up to the first ">" that stands in no value; a quote that stays open begins none.
+void PlainXmlWriter::DropXmlDeclaration() {
+  const std::string_view head = rest_.substr(0, rest_.find('<', 1));
+  std::size_t at = head.find_first_of(">\"'");
+  while (at != std::string_view::npos && head[at] != '>') {
+    const std::size_t close = head.find(head[at], at + 1);
+    at = head.find_first_of(">\"'", (close != std::string_view::npos ? close : at) + 1);
+  }
+  if (at != std::string_view::npos) return Drop(at + 1);
+  DropPast(">");
+}
+
+// "<!...>", in front of the root element with the bracketed part of a document type. Where brackets
+// stay open the first ">" ends it.
 void PlainXmlWriter::DropDeclaration() {
   int brackets = 0;
-  std::size_t length = 0;
-  while (length < rest_.size()) {
-    const char c = rest_[length++];
+  for (std::size_t i = 0; !Begun() && bracketsClose_ && i < rest_.size(); ++i) {
+    const char c = rest_[i];
     if (c == '[') ++brackets;
     if (c == ']') --brackets;
-    if (c == '>' && brackets <= 0) break;
+    if (c == '>' && brackets <= 0) return Drop(i + 1);
   }
-  Drop(length);
+  bracketsClose_ = false;
+  DropPast(">");
+}
+
+bool PlainXmlWriter::DropByteOrderMark() {
+  if (!Starts(kByteOrderMark)) return false;
+  Drop(kByteOrderMark.size());
+  return true;
 }
 
 // Between tags and attributes a byte that is no character is passed over, also one that another
@@ -182,26 +214,25 @@ bool PlainXmlWriter::KeepNode() {
     return true;
   }
   if (Starts("<?")) {
-    DropPast("?>");
+    DropInstruction();
     return true;
   }
   return Starts("</") ? KeepCloseTag() : KeepOpenTag();
 }
 
+// Stays what it is: in other text TinyXML condenses blanks. Behind the root element nothing is lost
+// with the end.
 bool PlainXmlWriter::KeepCData() {
-  Drop(9);
-  while (!Starts("]]>")) {
-    if (rest_.empty()) return false;
-    if (rest_.front() == '<') {
-      Replace(1, "&lt;");
-    } else if (rest_.front() == '&') {
-      Replace(1, "&amp;");
-    } else {
-      KeepCharacter();
-    }
+  const bool behindRoot = depth_ == 0 && Begun();
+  Keep(9);
+  for (;;) {
+    KeepWhile([](char c) { return IsPlainXmlText(c) && c != ']'; });
+    if (rest_.empty()) return behindRoot;
+    if (Starts("]]>")) break;
+    KeepCharacter();
   }
-  Drop(3);
-  return depth_ > 0;
+  Keep(3);
+  return true;
 }
 
 bool PlainXmlWriter::KeepOpenTag() {
@@ -210,8 +241,12 @@ bool PlainXmlWriter::KeepOpenTag() {
   return KeepName() && KeepAttributes();
 }
 
+// Outside the root element TinyXML passes over one that closes nothing.
 bool PlainXmlWriter::KeepCloseTag() {
-  if (depth_ == 0) return false;
+  if (depth_ == 0) {
+    DropPast(">");
+    return true;
+  }
   Keep(2);
   if (!KeepName()) return false;
   KeepWhile(IsSpace);
@@ -245,11 +280,26 @@ bool PlainXmlWriter::KeepAttribute() {
   if (!Starts("=")) return false;
   Keep(1);
   KeepWhile(IsSpace);
-  if (!Starts("\"") && !Starts("'")) return false;
+  if (!Starts("\"") && !Starts("'")) return QuoteValue();
   const char quote = rest_.front();
   Keep(1);
   if (!KeepUntil(quote)) return false;
   Keep(1);
+  return true;
+}
+
+// A value that stands without quotes, up to a blank, "/" or ">". References are plain text in it.
+bool PlainXmlWriter::QuoteValue() {
+  Replace(0, "\"");
+  while (!rest_.empty() && !IsSpace(rest_.front()) && !Starts("/") && !Starts(">")) {
+    if (Starts("\"") || Starts("'")) return false;
+    if (Starts("&")) {
+      Replace(1, "&amp;");
+    } else {
+      KeepCharacter();
+    }
+  }
+  Replace(0, "\"");
   return true;
 }
 
@@ -335,10 +385,14 @@ bool ReadXmlFile(const std::string& path, std::string* bytes) {
     if (count < 0) return false;
     const std::string_view text(chunk.data(), static_cast<std::size_t>(count));
     errno = 0;
-    if (bytes->empty() && text.find('<') == std::string_view::npos) return false;
     const bool hole = text.find_first_not_of('\0') == std::string_view::npos;
-    if (hole) return true;  // the end, or what a file system leaves behind it after a power cut
-    bytes->append(text);
+    // The end, or what a file system leaves behind it after a power cut.
+    if (hole) return !bytes->empty();
+    if (!bytes->empty() || text.find('<') != std::string_view::npos) {
+      bytes->append(text);
+    } else if (text.find_first_not_of(kBeforeXml) != std::string_view::npos) {
+      return false;
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 // cut or damaged. Names that are hostile in themselves are HostileNamesTest's.
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <tinyxml.h>
 
 #include <chrono>
 #include <climits>
@@ -209,6 +210,11 @@ TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
       {"<!-- <item/> --><!DOCTYPE r [ <!ENTITY e '>'> ]><?x <item/> ?>" +
            Root("text &amp; &#65; <![CDATA[ <item/> & ]]><!-- > --><?y?><item/>"),
        {Call("")}},
+      {std::string(10000, ' ') + "\xEF\xBB\xBF\n" + one, {Call("A")}},
+      {"\xEF\xBB\xBF" + std::string(10000, '\n') + "\xFF" + kHeader + one, {Call("A")}},
+      {"<!DOCTYPE r [ <!ENTITY e '>'> ><x> ]><?x a>b ?><?xml version='1.0?>" + one, {Call("A")}},
+      {Root("<!x [>]<?x <item> <item/> ?><item remote_display_name=\xC3&#65;<b&/>"),
+       {Call("\uFFFD&#65;<b&")}},
       {Root("<call/><item type='1'/><old><item type='2'/></old><Item/><items/>"
             "<item type='3'>text<item type='4'/></item>"),
        {Call("", 1), Call("", 3)}},
@@ -241,6 +247,76 @@ TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
       {"a<b\n\r\nc\xEF\xBF\xBE\xC3", "a<b\n\r\nc\uFFFD\uFFFD"}};
   for (const auto& [text, name] : names) {
     EXPECT_EQ(Rewritten(Root(nameAt(text, 0))), FileText({Call(name)})) << text;
+  }
+}
+
+// The names of the calls that TinyXML finds in a document by itself.
+PlainCalls CallsByTinyXml(const std::string& bytes) {
+  TiXmlDocument document;
+  document.Parse(bytes.c_str(), nullptr, TIXML_ENCODING_UTF8);
+  TiXmlElement* const root = document.FirstChildElement("root_call_log");
+  PlainCalls calls;
+  if (document.Error() || root == nullptr) return calls;
+  for (const TiXmlElement* item = root->FirstChildElement("item"); item != nullptr;
+       item = item->NextSiblingElement("item")) {
+    const char* const name = item->Attribute("remote_display_name");
+    calls.push_back(Call(name != nullptr ? name : ""));
+  }
+  return calls;
+}
+
+// Where each part ends shows in the calls that are read behind it, and in what is refused.
+TEST_F(HistoryFileTest, IsReadAsTinyXmlReadsIt) {
+  const std::string item = "<item remote_display_name='A'/>";
+  const char* const parts[] = {
+      "<?xml version='1.0'>",
+      "<?xml version=\"1>0\">",
+      "<?xml>",
+      "<?xml version='1.0'",
+      "<?XML encoding='>'>",
+      "<?xml?>",
+      "<?x>",
+      "<?x y='>'",
+      "<?x",
+      "<?x?>",
+      "<?>",
+      "<!-- > -->",
+      "<!-->",
+      "<!--",
+      "<!---->",
+      "<!DOCTYPE r>",
+      "<!DOCTYPE r",
+      "<!DOCTYPE r [>",
+      "<!DOCTYPE ]r>",
+      "<!>",
+      "<!x '>'>",
+      "<![CDATA[]]>",
+      "<![CDATA[a]]]]>",
+      "<![CDATA[<x>&#]]>",
+      "<![CDATA[a]>",
+      "</x>",
+      "</x",
+      "text",
+      "<x a=1/>",
+      "<x a= 1 b=>'</x>",
+      "<x a=b/c/>",
+      "<x a=1\"/>",
+      "<x a=1'>",
+      "<x a=",
+      "<x a=1",
+      "<x a=1 a=2/>",
+      "<x a='1'b=2 c==d/>",
+      "<x a=<y></x>",
+      "<x a=2b='1'/>",
+      "<x a=/>",
+      "<item remote_display_name=&amp;&#65;=<\u00E9/>",
+  };
+  for (const std::string part : parts) {
+    for (const std::string& bytes :
+         {part + Root(item), part + "<x></x>" + Root(item), Root(part + item), Root(item + part),
+          Root(item) + part + "<x", Root(item) + "<x/>" + part + "<?y?>" + Root("")}) {
+      EXPECT_EQ(Rewritten(bytes), FileText(CallsByTinyXml(bytes))) << bytes;
+    }
   }
 }
 
@@ -278,7 +354,9 @@ TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
       open + "<a><b></a></b>" + close,
       open + "<item>" + close,
       open + "<item type='1'" + close,
-      open + "<item type=1/>" + close,
+      open + "<item type=1\"/>" + close,
+      std::string(10000, ' '),
+      std::string(5000, '\n') + "call log" + Root("<item/>"),
       open + "<item type/>" + close,
       open + "<item type='1/>" + close,
       open + "<item type='1' type='2'/>" + close,
@@ -313,6 +391,7 @@ TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
       Root("&<!---->#<b x=\"#65;<z" + attributes + "/>\"/><item/>"),
       Root("&<![CDATA[#]]><b x=\"#65;<z" + attributes + "/>\"/><item/>"),
       Root(Repeat("&#", kMany) + "<item/>"),
+      Repeat("<![>", kMany) + Repeat("<?x>", kMany) + Root("<item/>"),
       Root("<item remote_sip_name='" + Repeat("&#x", kMany) + "'/>"),
       "\xEF\xBB\xBF\xFF\n\xC3" + Root("\xC3<it\xFF"
                                       "em \xC3 \uFFFD type\x01='1' \xE2\x82/>\x80"),

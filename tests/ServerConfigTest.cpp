@@ -86,7 +86,7 @@ TEST_F(ServerConfigTest, ADamagedFileLeavesNoSourceAndIsNotWritten) {
   for (const std::string& damaged :
        {std::string(), std::string(5000, '\0'), good.substr(0, good.find("</")),
         std::string("<root_call_log><root_broadsoft_calllog/></root_call_log>"),
-        std::string("<root_broadsoft_calllog display_name=a/>")}) {
+        std::string("<root_broadsoft_calllog display_name=a\"/>")}) {
     SCOPED_TRACE(damaged.substr(0, 99));
     WriteFile(file(), good);
     EXPECT_TRUE(Logs().ReloadBSCallLogConfig());

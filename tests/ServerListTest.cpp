@@ -78,6 +78,7 @@ TEST_F(ServerListTest, Failures) {
       {"nested", serve(nested)},
       {"no XML", serve("Please sign in.")},
       {"cut document", serve("<Missed>" + Entry("3"))},
+      {"open CDATA", serve("<![CDATA[" + Document(Entry("3")))},
       {"no root", serve("<?xml version='1.0'?>\n<!-- nothing -->"), {}},
       {"HTML page", misbehave({Kind::kPage, 0, {}}), {}, BS_LIST_DOWNLOADING, "0 ", false},
       {"no network", [&] { desktop->networkUp = false; }, {"1", "2"}, BS_LIST_NO_NETWORK, ""},
@@ -230,6 +231,10 @@ TEST_F(ServerListTest, ReadsDocumentsOfAllKinds) {
       {Document(named("<!-- a -->An<!-- b -->na") + named("<![CDATA[A & <B>]]>") +
                 named("A &amp; &#x42;&quot; &#0;&x;")),
        {"Anna|||", "A & <B>|||", "A & B\" " + r + "&x;|||"}},
+      // Blanks are condensed in text, and stay in CDATA.
+      {"<?xml version='1.0'><a>" + Entry(" 1  \n 2 ") + Entry("<![CDATA[ 12  3\n]]>") +
+           Entry(" a  b <![CDATA[ ]] &lt;\xC3\x01]]]> <c/> d ") + "</a>",
+       {"|1 2||", "| 12  3\n||", "|a b ]] &lt;" + r + r + "]d||"}},
       // Only direct children, and the first of each.
       {Document("<a>" + Entry("1") + "</a><callLogsEntry><a><name>no</name></a>" + Entry("no") +
                 "<phoneNumber>2</phoneNumber><phoneNumber>no</phoneNumber></callLogsEntry>"
@@ -238,6 +243,8 @@ TEST_F(ServerListTest, ReadsDocumentsOfAllKinds) {
       {"<Missed/>", {}},
       {"<?xml version='1.0' encoding='iso-8859-1'?><a>" + named("Ren\xE9\x80") + "</a>",
        {"Ren\u00E9\u20AC|||"}},
+      {"<?XML encoding=\"Latin1\"><a>" + named("\x93\xE9\x90\x94 \u00E9") + "</a>",
+       {"\u201C\u00E9" + r + "\u201D \u00C3\u00A9|||"}},
       {"<?xml version='1.0' encoding='ISO-8859-1'?><a>" + named("Ren\u00E9 \u20AC\x01\uFFFF") +
            "</a>" + std::string(9, '\0'),
        {"Ren\u00E9 \u20AC" + r + r + "|||"}},
