@@ -10,6 +10,7 @@ namespace desk {
 namespace {
 
 using Texts = std::vector<std::string>;
+using Config = std::map<std::string, int>;
 
 // The working directory holds the profile and its address book.
 class ProfileTest : public PhoneTest {
@@ -38,7 +39,7 @@ network.up = false
 menu.present = false
 contacts.vcard = "book.vcf"
 [config]
-HistorySavedSwitch = 1
+HistorySavedSwitch = 0
 "Any key" = -2147483648
 [transfer]
 max_bytes = 1
@@ -63,8 +64,9 @@ photo = "photos/stephane.png"
 )");
   const Profile profile = LoadProfile("profile.toml");
   EXPECT_EQ(profile.timezone, "Europe/Berlin");
-  EXPECT_EQ(profile.config,
-            (std::map<std::string, int>{{"HistorySavedSwitch", 1}, {"Any key", -2147483647 - 1}}));
+  EXPECT_EQ(profile.config, (Config{{"HistorySavedSwitch", 0},
+                                    {"BDDirectoryShowSwitch", 1},
+                                    {"Any key", -2147483647 - 1}}));
   EXPECT_EQ(Settings(profile), (std::vector<int>{0, 0, 1, 3600, 3, 4, 0}));
   EXPECT_EQ(profile.limits.ca_file, root.path() / "ca.pem");
   Texts accounts;
@@ -86,7 +88,8 @@ photo = "photos/stephane.png"
 TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
   WriteFile("profile.toml", "");
   const Profile profile = LoadProfile("profile.toml");
-  EXPECT_TRUE(profile.timezone.empty() && profile.config.empty());
+  EXPECT_EQ(profile.config, (Config{{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}}));
+  EXPECT_TRUE(profile.timezone.empty());
   EXPECT_TRUE(profile.accounts.empty() && profile.contacts.empty());
   EXPECT_EQ(Settings(profile), (std::vector<int>{1, 1, 4194304, 10, 15, 60, 5}));
   EXPECT_EQ(profile.limits.ca_file, "");

@@ -34,10 +34,9 @@ struct Options {
   desk::CallImport import;
 };
 
-// A phone that stores calls, for whoever brings no profile.
+// A phone with an account, for whoever brings no profile.
 desk::Profile DefaultProfile() {
   desk::Profile profile;
-  profile.config = {{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}};
   profile.accounts = {desk::Account(0, "100", "sip.example.org")};
   return profile;
 }

@@ -15,8 +15,9 @@
 namespace desk {
 
 struct Profile {
-  std::string timezone;               // TZ value; empty: the machine's
-  std::map<std::string, int> config;  // by configuration key
+  std::string timezone;  // TZ value; empty: the machine's
+  // By configuration key; a file's settings go before these.
+  std::map<std::string, int> config = {{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}};
   std::vector<Account> accounts;
   std::vector<Contact> contacts;
   TransferLimits limits;
