@@ -44,6 +44,12 @@ TEST(TimeInputTest, ReadsSpansAndTimes) {
   EXPECT_THROW(SetTimeZone("Nowhere/AtAll"), CommandError);
 }
 
+// A PBX's record of a call.
+constexpr char kMissedBy100[] =
+    "\"\",200,300,ctx,Bo,PJSIP/200-1,PJSIP/100-2,Dial,,2026-05-04 00:00:10,,2026-05-04 "
+    "00:00:20,5,0,"
+    "NO ANSWER,DOCUMENTATION\n";
+
 class ScriptTest : public testing::Test {
  protected:
   // What the script prints; what it complains of goes to `errors`.
@@ -51,7 +57,7 @@ class ScriptTest : public testing::Test {
     std::ostringstream out;
     std::istringstream lines(script);
     Profile profile;
-    profile.config = {{"HistorySavedSwitch", 1}};
+    profile.accounts = {Account(0, "100", "sip.example.org")};
     Phone phone(root.path(), profile, std::make_unique<ManualClock>(0), out);
     wrong = RunScript(phone, lines, "script", errors);
     return out.str();
@@ -86,6 +92,37 @@ TEST_F(ScriptTest, WrongLinesAreNamedAndTheRestGoesOn) {
   EXPECT_EQ(number, 12);
   const std::string next = Run("list\n");
   EXPECT_NE(next.find("all: 2 calls"), std::string::npos) << next << "quitting saves";
+}
+
+TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
+  const auto records = root.path() / "records.csv";
+  WriteFile(records, Repeat(kMissedBy100, 1000));
+  const std::string import = "cdr " + records.string() + " 100\n";
+  const std::string printed =
+      Run("call all 1\n"
+          "account 100 missed off\n"
+          "call missed 2\n" +
+          import +
+          "call received 2\n"
+          "call missed 2 account=200@sip.example.org\n"
+          "config HistorySavedSwitch 0\n"
+          "call missed 2\n"
+          "dial 2\n"
+          "hangup\n" +
+          import + "config HistorySavedSwitch 1\ndial 2\nhangup\n");
+  Words reasons;
+  std::istringstream lines(printed);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("refused") != line.npos || line.find("not kept") != line.npos) {
+      reasons.push_back(line);
+    }
+  }
+  const std::string off = "the history is switched off (HistorySavedSwitch is not 1)";
+  const std::string noMissed = "the account 100@sip.example.org keeps no missed calls";
+  EXPECT_EQ(reasons, (Words{"  refused: a call is outgoing, missed, received or forwarded",
+                            "  refused: " + noMissed, "  1000 calls refused: " + noMissed,
+                            "  refused: " + off, "  it is not kept: " + off,
+                            "  1000 calls refused: " + off}));
 }
 
 TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {

@@ -1,8 +1,9 @@
 // Commands that bring calls in: what the talk logic and the directory of a phone would report.
 #include <climits>
 
+#include "AddCall.h"
 #include "CallImport.h"
-#include "CallLog.h"
+#include "CallLogRecords.h"
 #include "CallType.h"
 #include "Commands.h"
 #include "TimeInput.h"
@@ -50,9 +51,8 @@ void Call(Phone& phone, Arguments& arguments) {
   call.forward_display_name = arguments.Option("to-name");
   call.forward_sip_server =
       arguments.Option("to-server", call.forward_sip_name.empty() ? "" : account.server);
-  if (CallLog_AddLog(call) != 0) {
-    phone.out() << "  refused: type, switched-off history, or an account without missed calls\n";
-  }
+  const std::string refusal = AddCall(phone.platform(), call);
+  if (!refusal.empty()) phone.out() << "  refused: " << refusal << "\n";
 }
 
 void Import(Phone& phone, Arguments& arguments) {

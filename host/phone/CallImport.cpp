@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 
+#include "AddCall.h"
 #include "CallLog.h"
 #include "CallRecords.h"
 #include "CommandLine.h"
@@ -65,18 +67,17 @@ void CallImport::Run(Phone& phone) const {
   std::ostream& out = phone.out();
   const CdrImport import = Read(*this, phone.FromStart(file));
   std::array<int, kTypes> counts{};
-  int refused = 0;
+  std::map<std::string, int> refused;  // by reason
   for (const CallLogAddItemData& call : import.calls) {
-    if (CallLog_AddLog(call) == 0) {
-      ++counts[static_cast<std::size_t>(call.type)];
-    } else {
-      ++refused;
-    }
+    const std::string refusal = AddCall(phone.platform(), call);
+    ++(refusal.empty() ? counts[static_cast<std::size_t>(call.type)] : refused[refusal]);
   }
   out << Format("  %zu records: %d outgoing, %d missed, %d received", import.rows, counts[1],
                 counts[2], counts[3]);
-  out << Format("; %zu of others, %zu bad", import.other, import.bad.size());
-  out << (refused > 0 ? Format(", %d calls refused\n", refused) : "\n");
+  out << Format("; %zu of others, %zu bad\n", import.other, import.bad.size());
+  for (const auto& [reason, count] : refused) {
+    out << "  " << count << (count == 1 ? " call" : " calls") << " refused: " << reason << "\n";
+  }
   PrintBadRows(out, file, import.bad);
   phone.ReportChanges();
   PrintLists(out);

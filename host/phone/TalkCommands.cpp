@@ -1,6 +1,7 @@
 // Commands for calls that the user makes, as the talk logic carries them out.
 #include <climits>
 
+#include "AddCall.h"
 #include "CallLog.h"
 #include "Commands.h"
 #include "Directory.h"
@@ -77,8 +78,9 @@ void HangUp(Phone& phone, Arguments& arguments) {
     call.local_sip_server = call.remote_sip_server = account->server;
   }
   talk.call.reset();
-  CallLog_AddLog(call);
+  const std::string refusal = AddCall(phone.platform(), call);
   phone.out() << "  the call has ended after " << call.duration << " s\n";
+  if (!refusal.empty()) phone.out() << "  it is not kept: " << refusal << "\n";
 }
 
 }  // namespace
