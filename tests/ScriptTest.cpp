@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "CallImport.h"
 #include "CommandLine.h"
 #include "Phone.h"
 #include "PhoneTest.h"
@@ -123,6 +124,18 @@ TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
                             "  refused: " + noMissed, "  1000 calls refused: " + noMissed,
                             "  refused: " + off, "  it is not kept: " + off,
                             "  1000 calls refused: " + off}));
+}
+
+TEST_F(ScriptTest, AnInterruptionEndsWhatTakesLong) {
+  const auto records = root.path() / "records.csv";
+  WriteFile(records, kMissedBy100);
+  std::ostringstream out;
+  Phone phone(root.path(), Profile(), std::make_unique<RealClock>(), out);
+  phone.interrupted = [] { return true; };
+  EXPECT_FALSE(phone.Wait(std::chrono::hours(1)));
+  const CallImport import = {records.string(), "100", "sip.example.org"};
+  EXPECT_THROW(import.Run(phone), CommandError);
+  EXPECT_FALSE(phone.Save()) << "a call came in";
 }
 
 TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {

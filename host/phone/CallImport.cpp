@@ -26,7 +26,8 @@ namespace {
 
 constexpr int kTypes = 5;
 
-CdrImport Read(const CallImport& what, const std::filesystem::path& path) {
+CdrImport Read(const CallImport& what, Phone& phone) {
+  const std::filesystem::path path = phone.FromStart(what.file);
   std::ifstream file(path, std::ios::binary);
   if (!file || !std::filesystem::is_regular_file(path)) {
     throw CommandError("cannot read " + path.string() + ": " +
@@ -35,8 +36,11 @@ CdrImport Read(const CallImport& what, const std::filesystem::path& path) {
   std::error_code unknown;
   const auto size = std::filesystem::file_size(path, unknown);
   ProgressBar bar(std::cerr, isatty(STDERR_FILENO) != 0, unknown ? 0 : size);
-  CdrImport import = ReadCallRecords(
-      file, {what.extension, what.server, [&](std::uint64_t done) { bar.Update(done); }});
+  const auto progress = [&](std::uint64_t done) {
+    if (phone.interrupted()) throw CommandError("interrupted; no call was brought in");
+    bar.Update(done);
+  };
+  CdrImport import = ReadCallRecords(file, {what.extension, what.server, progress});
   if (file.bad()) throw CommandError("cannot read " + path.string() + " to its end");
   return import;
 }
@@ -65,7 +69,7 @@ void PrintLists(std::ostream& out) {
 
 void CallImport::Run(Phone& phone) const {
   std::ostream& out = phone.out();
-  const CdrImport import = Read(*this, phone.FromStart(file));
+  const CdrImport import = Read(*this, phone);
   std::array<int, kTypes> counts{};
   std::map<std::string, int> refused;  // by reason
   for (const CallLogAddItemData& call : import.calls) {

@@ -12,7 +12,7 @@ struct CallImport {
   std::string extension;
   std::string server;  // SIP server of the phone's account and of the callers
 
-  // Throws CommandError when the file cannot be read.
+  // Throws CommandError when the file cannot be read, or the phone is interrupted meanwhile.
   void Run(Phone& phone) const;
 };
 

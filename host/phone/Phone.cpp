@@ -5,6 +5,7 @@
 
 #include "CallLog.h"
 #include "Screen.h"
+#include "Signals.h"
 #include "Text.h"
 
 namespace desk {
@@ -93,28 +94,30 @@ void Phone::ReportGuard() {
   guardNotes_.clear();
 }
 
-void Phone::Wait(Milliseconds span) {
+bool Phone::Wait(Milliseconds span) {
   if (platform_.manualClock() != nullptr) {
     platform_.Advance(span);
-    return;
+    return true;
   }
   const Milliseconds end = platform_.clock().Monotonic() + span;
   for (;;) {
     platform_.RunDue();
     ReportChanges();
+    if (interrupted()) return false;
     const Milliseconds left = end - platform_.clock().Monotonic();
-    if (left.count() <= 0) return;
+    if (left.count() <= 0) return true;
     const Milliseconds due = platform_.timers.NextDue().value_or(end);
     platform_.loop.WaitForPost(std::min(left, due - platform_.clock().Monotonic()));
   }
 }
 
-void Phone::AwaitTransfers() {
+bool Phone::AwaitTransfers() {
   constexpr Milliseconds kLook(1000);
   for (;;) {
     platform_.RunDue();
     platform_.transfers.LetThrough();
-    if (platform_.transfers.Running() == 0) return;
+    if (platform_.transfers.Running() == 0) return true;
+    if (interrupted()) return false;
     platform_.loop.WaitForPost(kLook);
   }
 }
@@ -160,7 +163,10 @@ void Phone::ServeDocuments(const std::filesystem::path& directory) {
   const char* const password = "p@ss:1";
   logServer_ =
       std::make_unique<LogServer>(LogServer::Settings{FromStart(directory), user, password, 0});
-  logServer_->Start();
+  {
+    const SignalsBlocked inItsThreads;
+    logServer_->Start();
+  }
   auto& controller = *CBSCallLogController::GetInstance();
   int index = 0;
   for (const char* document : {"Missed", "Placed", "Received"}) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -29,11 +30,12 @@ class Phone {
   // Saves what has changed, as before a planned restart. False when there was nothing to save.
   bool Save();
 
-  // Lets time pass: at once with a manual clock, really otherwise.
-  void Wait(Milliseconds span);
+  // Lets time pass: at once with a manual clock, really otherwise. False when it was interrupted.
+  bool Wait(Milliseconds span);
 
-  // Lets the transfers that are running come to their end, which a manual clock cannot hurry.
-  void AwaitTransfers();
+  // Lets the transfers that are running come to their end, which a manual clock cannot hurry. False
+  // when it was interrupted; they go on then.
+  bool AwaitTransfers();
 
   // Starts a log server with these documents in this process, and sets up sources for them.
   void ServeDocuments(const std::filesystem::path& directory);
@@ -52,6 +54,10 @@ class Phone {
   std::filesystem::path FromStart(const std::filesystem::path& path) const;
 
   bool wantsToQuit = false;
+
+  // What takes long asks this again and again, and gives up when it is true. Who makes it true
+  // writes to the message loop's descriptor.
+  std::function<bool()> interrupted = [] { return false; };
 
  private:
   void PowerOn();

@@ -11,6 +11,7 @@ int RunScript(Phone& phone, std::istream& lines, const std::string& name, std::o
   int wrong = 0;
   int number = 0;
   for (std::string line; !phone.wantsToQuit && std::getline(lines, line);) {
+    if (phone.interrupted()) break;  // it may be half a line
     ++number;
     if (!line.empty() && line.back() == '\r') line.pop_back();
     phone.out() << (line.empty() || line.front() == '#' ? "" : "phone> ") << Printable(line)

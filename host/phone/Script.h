@@ -10,7 +10,8 @@ namespace desk {
 class Phone;
 
 // Runs every line, each shown before its output as a terminal would show it. A wrong line is
-// reported to `errors` as "NAME:LINE: reason", and the script goes on. The number of wrong lines.
+// reported to `errors` as "NAME:LINE: reason", and the script goes on; an interruption ends it. The
+// number of wrong lines.
 int RunScript(Phone& phone, std::istream& lines, const std::string& name, std::ostream& errors);
 
 }  // namespace desk

@@ -105,7 +105,7 @@ void Cancel(Phone& phone, Arguments& arguments) {
 
 void Await(Phone& phone, Arguments& arguments) {
   arguments.Done();
-  phone.AwaitTransfers();
+  if (!phone.AwaitTransfers()) phone.out() << "  the wait was interrupted; the download goes on\n";
 }
 
 void Source(Phone& phone, Arguments& arguments) {

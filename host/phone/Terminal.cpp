@@ -2,21 +2,21 @@
 #include "Terminal.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <cstdio>  // readline's header needs FILE
 #include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <utility>
 
 #include <readline/history.h>
 #include <readline/readline.h>
 
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Signals.h"
 #include "Text.h"
 
 namespace desk {
@@ -28,6 +28,7 @@ constexpr int kHistoryLength = 500;
 
 // Readline calls back without a context of ours.
 Phone* terminalPhone = nullptr;
+Signals* terminalSignals = nullptr;
 
 void OnLine(char* text) {
   const std::unique_ptr<char, decltype(&std::free)> line(text, std::free);
@@ -44,6 +45,8 @@ void OnLine(char* text) {
     phone.out() << "  " << Printable(error.what()) << "\n";
   }
   phone.out() << std::flush;
+  if (terminalSignals->Ending() != 0) phone.wantsToQuit = true;
+  if (phone.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
 }
 
 char* NextCommand(const char* prefix, int state) {
@@ -68,14 +71,40 @@ char** Complete(const char* text, int start, int /*end*/) {
   return start == 0 ? rl_completion_matches(text, NextCommand) : nullptr;
 }
 
+// Shows the line that is being edited again, below what `print` prints.
+template <typename Print>
+void Redisplay(Print print) {
+  rl_clear_visible_line();
+  print();
+  rl_on_new_line();
+  rl_redisplay();
+}
+
 // What happened while the user was typing goes above the line that is being edited.
 void ReportAboveLine(Phone& phone) {
   if (!phone.HasChanges()) return;
-  rl_clear_visible_line();
-  phone.ReportChanges();
-  phone.out() << std::flush;
-  rl_on_new_line();
-  rl_redisplay();
+  Redisplay([&] {
+    phone.ReportChanges();
+    phone.out() << std::flush;
+  });
+}
+
+// Whether the command that is running is to end: Ctrl-C ends it alone. Ctrl-Z is seen to, too.
+bool IsCommandInterrupted(Signals& signals) {
+  if (signals.Take(SIGTSTP)) signals.Stop();
+  return signals.Take(SIGINT) || signals.Ending() != 0;
+}
+
+// At the prompt the terminal is in readline's modes, and whoever had it meanwhile has left others.
+void SeeToStops(Signals& signals) {
+  if (signals.Take(SIGTSTP)) {
+    rl_deprep_terminal();
+    signals.Stop();
+  }
+  if (!signals.Take(SIGCONT)) return;
+  rl_deprep_terminal();
+  rl_prep_terminal(1);
+  Redisplay([] {});
 }
 
 int PollTimeout(Phone& phone) {
@@ -86,35 +115,50 @@ int PollTimeout(Phone& phone) {
       std::max<Milliseconds::rep>(0, std::min<Milliseconds::rep>(left, 60'000)));
 }
 
-void Drain(int wakeUp) {
-  eventfd_t count = 0;
-  eventfd_read(wakeUp, &count);
+// Signals are looked at after the loop has run, which takes what woke it.
+void RunPrompt(Phone& phone, Signals& signals) {
+  pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {phone.platform().loop.descriptor(), POLLIN, 0}};
+  while (!phone.wantsToQuit) {
+    phone.platform().RunDue();
+    ReportAboveLine(phone);
+    SeeToStops(signals);
+    if (signals.Ending() != 0) return;
+    if (poll(waiting, 2, PollTimeout(phone)) < 0) continue;
+    if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
+    if (waiting[0].revents != 0) rl_callback_read_char();
+  }
 }
 
-}  // namespace
-
-void RunTerminal(Phone& phone) {
-  terminalPhone = &phone;
-  const int wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  phone.platform().loop.SetWakeUp([wakeUp] { eventfd_write(wakeUp, 1); });
+void StartReadline() {
   rl_readline_name = "deskphone";
+  rl_catch_signals = 0;
   rl_attempted_completion_function = Complete;
   using_history();
   read_history(kHistoryFile);
   rl_callback_handler_install(kPrompt, OnLine);
-  while (!phone.wantsToQuit) {
-    pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {wakeUp, POLLIN, 0}};
-    poll(waiting, 2, PollTimeout(phone));
-    if (waiting[1].revents != 0) Drain(wakeUp);
-    phone.platform().RunDue();
-    ReportAboveLine(phone);
-    if (waiting[0].revents != 0) rl_callback_read_char();
-  }
-  rl_callback_handler_remove();
+}
+
+// What is to be kept comes first: a terminal that is held up holds up whoever writes to it.
+void EndReadline(Phone& phone) {
+  phone.Save();
   stifle_history(kHistoryLength);
   write_history(kHistoryFile);
-  phone.platform().loop.SetWakeUp(nullptr);
-  close(wakeUp);
+  rl_callback_handler_remove();
+}
+
+}  // namespace
+
+void RunTerminal(Phone& phone, Signals& signals) {
+  terminalPhone = &phone;
+  terminalSignals = &signals;
+  signals.CatchStops();
+  const auto before =
+      std::exchange(phone.interrupted, [&signals] { return IsCommandInterrupted(signals); });
+  StartReadline();
+  RunPrompt(phone, signals);
+  EndReadline(phone);
+  if (!phone.wantsToQuit) phone.out() << "\n";  // behind the prompt
+  phone.interrupted = before;
 }
 
 }  // namespace desk

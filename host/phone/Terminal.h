@@ -5,8 +5,11 @@
 namespace desk {
 
 class Phone;
+class Signals;
 
-// Runs until the user quits or the input ends.
-void RunTerminal(Phone& phone);
+// Runs until the user quits, the input ends, the terminal goes, or a signal ends the phone. Ctrl-C
+// ends a command that waits, and at the prompt the phone; Ctrl-Z stops the phone until the shell
+// lets it go on.
+void RunTerminal(Phone& phone, Signals& signals);
 
 }  // namespace desk

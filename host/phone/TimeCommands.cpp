@@ -13,7 +13,7 @@ void PrintClock(Phone& phone) {
 void Wait(Phone& phone, Arguments& arguments) {
   const Milliseconds span = ParseSpan(arguments.Word("how long"));
   arguments.Done();
-  phone.Wait(span);
+  if (!phone.Wait(span)) phone.out() << "  the wait was interrupted\n";
 }
 
 void WallClock(Phone& phone, Arguments& arguments) {

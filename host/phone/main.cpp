@@ -2,7 +2,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <fstream>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -12,7 +12,9 @@
 #include "Phone.h"
 #include "Profile.h"
 #include "Script.h"
+#include "ScriptInput.h"
 #include "ServerProgram.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "TimeInput.h"
 
@@ -20,7 +22,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kCannotStart = 1;
 constexpr int kWrongCommands = 2;
+constexpr int kEndedBySignal = 128;  // and its number, as shells have it
 
 struct Options {
   fs::path root = desk::RootDirectory::Default();
@@ -66,13 +70,12 @@ std::unique_ptr<desk::Clock> MakeClock(bool manual) {
 }
 
 int RunScriptFile(desk::Phone& phone, const std::string& name) {
-  if (name == "-") return desk::RunScript(phone, std::cin, "standard input", std::cerr);
-  std::ifstream file(phone.FromStart(name));
-  if (!file) throw desk::CommandError("cannot read " + name);
-  return desk::RunScript(phone, file, name, std::cerr);
+  desk::ScriptInput input(phone, name);
+  std::istream lines(&input);
+  return desk::RunScript(phone, lines, name == "-" ? "standard input" : name, std::cerr);
 }
 
-int RunPhone(const Options& options, bool importing) {
+int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
   const bool atTerminal = isatty(STDIN_FILENO) != 0;
   const bool scripted = !importing && (!options.script.empty() || !atTerminal);
   const desk::Profile profile =
@@ -85,6 +88,8 @@ int RunPhone(const Options& options, bool importing) {
 
   std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
   desk::Phone phone(options.root, profile, MakeClock(scripted), std::cout);
+  signals.WakeUp(phone.platform().loop.descriptor());
+  phone.interrupted = [&signals] { return signals.Ending() != 0; };
   phone.platform().trace.SetLevel(options.traceLevel);
   if (!options.traceFile.empty() &&
       !phone.platform().trace.SetFile(phone.FromStart(options.traceFile))) {
@@ -103,7 +108,7 @@ int RunPhone(const Options& options, bool importing) {
     wrong += RunScriptFile(phone, options.script.empty() ? "-" : options.script);
   } else {
     std::cout << "\"help\" lists the commands; \"quit\" leaves.\n";
-    desk::RunTerminal(phone);
+    desk::RunTerminal(phone, signals);
   }
   return wrong > 0 ? kWrongCommands : 0;
 }
@@ -136,6 +141,26 @@ CLI::App* AddImport(CLI::App* app, Options* options) {
   return cdr;
 }
 
+// What `run` returns; an exception is reported.
+int Run(const std::function<int()>& run) {
+  try {
+    return run();
+  } catch (const std::exception& error) {
+    std::cout << std::flush;
+    std::cerr << "deskphone: " << error.what() << "\n";
+    return kCannotStart;
+  }
+}
+
+int RunPhoneUntilSignal(Options* options, bool importing) {
+  desk::Signals signals;
+  const int status = Run([&] {
+    if (options->demo) SetUpDemo(options);
+    return RunPhone(*options, importing, signals);
+  });
+  return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -144,19 +169,13 @@ int main(int argc, char** argv) {
   CLI::App app(
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
       "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"
-      "2 when a script held wrong commands.");
+      "2 when a script held wrong commands; 128 and the signal's number when SIGHUP, SIGINT or\n"
+      "SIGTERM ended it, with everything saved.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
   CLI::App* const importing = AddImport(&app, &options);
   desk::ServerProgram server(&app);
   CLI11_PARSE(app, argc, argv);
-  try {
-    if (server.IsWanted()) return server.Run();
-    if (options.demo) SetUpDemo(&options);
-    return RunPhone(options, importing->parsed());
-  } catch (const std::exception& error) {
-    std::cout << std::flush;
-    std::cerr << "deskphone: " << error.what() << "\n";
-    return 1;
-  }
+  if (server.IsWanted()) return Run([&] { return server.Run(); });
+  return RunPhoneUntilSignal(&options, importing->parsed());
 }

@@ -1,7 +1,14 @@
 // The queue and the handlers, and the message operations of the platform over them.
 #include "MessageLoop.h"
 
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <system_error>
 #include <utility>
 
 #include "Desktop.h"
@@ -10,6 +17,13 @@
 #include "Text.h"
 
 namespace desk {
+
+MessageLoop::MessageLoop(Journal& journal)
+    : journal_(journal), wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (wakeUp_ < 0) throw std::system_error(errno, std::generic_category(), "no message loop");
+}
+
+MessageLoop::~MessageLoop() { close(wakeUp_); }
 
 bool MessageLoop::IsRegistered(const Handler& handler) const {
   return std::find(handlers_.begin(), handlers_.end(), handler) != handlers_.end();
@@ -42,23 +56,18 @@ void MessageLoop::Post(const Message& message) {
   PostWork([this, message] { Send(message); });
 }
 
-// The wake-up is called under the lock: once it has been replaced, nobody calls the old one any
-// more.
 void MessageLoop::PostWork(std::function<void()> work) {
   const std::lock_guard<std::mutex> lock(mutex_);
   queue_.push_back(std::move(work));
-  posted_.notify_all();
-  if (wakeUp_) wakeUp_();
+  eventfd_write(wakeUp_, 1);
 }
 
 bool MessageLoop::WaitForPost(std::chrono::milliseconds limit) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  return posted_.wait_for(lock, limit, [this] { return !queue_.empty(); });
-}
-
-void MessageLoop::SetWakeUp(std::function<void()> wakeUp) {
+  using Count = std::chrono::milliseconds::rep;
+  pollfd waiting = {wakeUp_, POLLIN, 0};
+  poll(&waiting, 1, static_cast<int>(std::clamp<Count>(limit.count(), 0, INT_MAX)));
   const std::lock_guard<std::mutex> lock(mutex_);
-  wakeUp_ = std::move(wakeUp);
+  return !queue_.empty();
 }
 
 std::size_t MessageLoop::Deliver() {
@@ -66,7 +75,11 @@ std::size_t MessageLoop::Deliver() {
     std::function<void()> work;
     {
       const std::lock_guard<std::mutex> lock(mutex_);
-      if (queue_.empty()) return delivered;
+      if (queue_.empty()) {
+        eventfd_t ignored = 0;
+        eventfd_read(wakeUp_, &ignored);
+        return delivered;
+      }
       work = std::move(queue_.front());
       queue_.pop_front();
     }
@@ -105,7 +118,6 @@ void MessageLoop::NotifyApp(Message message) {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (appMessages_.size() == kMaxKept) appMessages_.pop_front();
   appMessages_.push_back(std::move(message));
-  if (wakeUp_) wakeUp_();
 }
 
 bool MessageLoop::HasAppMessages() const {

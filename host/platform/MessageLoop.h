@@ -4,7 +4,6 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -28,7 +27,10 @@ struct Message {
 
 class MessageLoop {
  public:
-  explicit MessageLoop(Journal& journal) : journal_(journal) {}
+  explicit MessageLoop(Journal& journal);
+  ~MessageLoop();
+  MessageLoop(const MessageLoop&) = delete;
+  MessageLoop& operator=(const MessageLoop&) = delete;
 
   bool Register(unsigned int first, unsigned int last, EtlMsgHandle handle);
   bool Unregister(unsigned int first, unsigned int last, EtlMsgHandle handle);
@@ -45,11 +47,13 @@ class MessageLoop {
   using Observer = std::function<void(const Message&, int result)>;
   void SetObserver(Observer observer) { observer_ = std::move(observer); }
 
-  // Called with each post, on the posting thread: how a thread that sleeps in poll() is woken. It
-  // must not post itself.
-  void SetWakeUp(std::function<void()> wakeUp);
+  // An eventfd: readable from each post until the queue has been delivered, for a thread that
+  // sleeps in poll(). Whoever else wants to wake that thread, such as a signal handler, writes to
+  // it; the next delivery takes this, too.
+  int descriptor() const { return wakeUp_; }
 
-  // Waits until something is queued, or the time is over. True when something is.
+  // Waits until something is queued, somebody has written to the descriptor, or the time is over.
+  // True when something is queued.
   bool WaitForPost(std::chrono::milliseconds limit);
 
   // Delivers what is queued, and what is posted meanwhile, until the queue is empty. The number
@@ -84,12 +88,11 @@ class MessageLoop {
   Observer observer_;
   const ETL_MsgQueueHelper::msgObject* current_ = nullptr;
   std::optional<int> reply_;
+  const int wakeUp_;
 
   mutable std::mutex mutex_;  // guards what follows
-  std::condition_variable posted_;
   std::deque<std::function<void()>> queue_;
   std::deque<Message> appMessages_;
-  std::function<void()> wakeUp_;
 };
 
 }  // namespace desk

@@ -1,0 +1,234 @@
+#!/usr/bin/env python3
+"""What ends, stops and continues the phone: signals.py [EMULATOR...] DESKPHONE
+
+The phone runs under a shell with job control on a pseudo-terminal, as a user has it, or reads a
+script. Whatever ends it, its calls are saved, nothing is left locked or lying about, and the
+terminal is as it was."""
+import fcntl
+import os
+import pty
+import select
+import shlex
+import signal
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+from pathlib import Path
+
+PHONE = sys.argv[1:]
+LIMIT = 60  # seconds until something must have been printed, or have ended
+PROMPT = "phone> "
+HELD = "/com.broadsoft.xsi-actions/v2.0/user/anna@example.org/directories/CallLogs/Missed"
+
+
+def within_limit(wait):
+    """Waits with `wait`; the whole test fails when that takes too long."""
+    signal.alarm(LIMIT)
+    result = wait()
+    signal.alarm(0)
+    return result
+
+
+class Pty:
+    """The side of a terminal on which its user is."""
+
+    def __init__(self, fd):
+        self.fd = fd
+        self.text = ""
+
+    def type(self, text):
+        os.write(self.fd, text.encode())
+
+    def expect(self, wanted):
+        """Reads until `wanted` has come, and forgets what came up to it, which is returned."""
+        end = time.monotonic() + LIMIT
+        while wanted not in self.text:
+            if not select.select([self.fd], [], [], max(0, end - time.monotonic()))[0]:
+                raise AssertionError(f"{wanted!r} does not come; there is {self.text!r}")
+            self.text += os.read(self.fd, 4096).decode(errors="replace")
+        before, self.text = self.text.split(wanted, 1)
+        return before
+
+    def modes(self):
+        return termios.tcgetattr(self.fd)
+
+
+class Desk:
+    """A root, with what must hold of it once its phone has ended."""
+
+    def __init__(self, directory):
+        self.root = Path(directory) / "root"
+        self.documents = Path(directory) / "documents"
+        self.documents.mkdir()
+        (self.documents / "Missed.xml").write_text("<CallLogs></CallLogs>" + " " * 1000)
+
+    def command(self, *options):
+        return [*PHONE, "--root", str(self.root), *options]
+
+    def check(self, *calls):
+        """The phone ends, if it has not yet, with these calls saved and nothing left behind."""
+        with open(self.root / "lock") as lock:
+            within_limit(lambda: fcntl.flock(lock, fcntl.LOCK_EX))
+        history = (self.root / "config/data/call_data.xml").read_text()
+        assert history.count("<item ") == len(calls), history
+        for call in calls:
+            assert f'remote_sip_name="{call}"' in history, history
+        assert not list((self.root / "tmp").iterdir())
+
+
+class Shell(Pty):
+    """A shell that leaves the terminal's modes to its programs."""
+
+    def __init__(self):
+        self.pid, fd = pty.fork()
+        if self.pid == 0:
+            os.execve("/bin/sh", ["sh", "-i"], {**os.environ, "PS1": "sh> ", "ENV": "", "TERM": "dumb"})
+        super().__init__(fd)
+        self.expect("sh> ")
+        self.before = self.modes()
+
+    def start(self, command):
+        self.type(shlex.join(command) + "\n")
+        self.expect("leaves.")
+        self.expect(PROMPT)
+        assert self.modes() != self.before
+        self.phone = os.tcgetpgrp(self.fd)
+
+    def kill(self, number):
+        os.killpg(self.phone, number)
+
+    def ends_with(self, status):
+        self.expect("sh> ")
+        assert self.modes() == self.before
+        self.type("echo status=$?\n")
+        self.expect("status=$?")
+        self.expect(f"status={status}\r\n")
+
+    def close(self):
+        os.close(self.fd)
+        within_limit(lambda: os.waitpid(self.pid, 0))
+
+
+def at_the_prompt(desk, shell):
+    calls = []
+    for end, status in (lambda: shell.type("\x03"), 130), (lambda: shell.kill(signal.SIGTERM), 143), (
+            lambda: shell.kill(signal.SIGHUP), 129), (lambda: shell.type("quit\n"), 0), (lambda: shell.type("\x04"), 0):
+        shell.start(desk.command())
+        calls.append(f"61{len(calls)}")
+        shell.type(f"call missed {calls[-1]}\n")
+        shell.expect("idle screen")
+        shell.expect(PROMPT)
+        end()
+        shell.ends_with(status)
+        desk.check(*calls)
+        assert f"call missed {calls[-1]}\n" in (desk.root / "commands").read_text()
+
+
+def during_a_wait(desk, shell):
+    """Ctrl-C ends the wait, and Ctrl-Z stops the phone in it; the other two end the phone."""
+    shell.start(desk.command("--log-server", str(desk.documents)))
+    for command, waiting in (f"misbehave {HELD} stall", PROMPT), ("call missed 612", PROMPT), ("server 0", PROMPT):
+        shell.type(command + "\n")
+        shell.expect(waiting)
+    for command in "wait 1h", "await":
+        shell.type(command + "\n")
+        shell.expect(command + "\r\n")
+        shell.type("\x03")
+        shell.expect("the wait was interrupted")
+        shell.expect(PROMPT)
+    shell.type("await\n")
+    shell.expect("await\r\n")
+    shell.type("\x1a")
+    shell.expect("sh> ")
+    assert shell.modes() == shell.before
+    shell.type("fg\n")
+    shell.expect("fg\r\n")
+    shell.kill(signal.SIGTERM)
+    shell.ends_with(143)
+    desk.check("612")
+
+
+def stopped_and_continued(desk, shell):
+    shell.start(desk.command())
+    shell.type("call mis")
+    shell.expect("call mis")
+    shell.type("\x1a")
+    shell.expect("sh> ")
+    assert shell.modes() == shell.before
+    shell.type("fg\n")
+    shell.expect(PROMPT + "call mis")
+    # A stop that cannot be caught, after which somebody else's modes are in force.
+    editing = shell.modes()
+    shell.kill(signal.SIGSTOP)
+    shell.expect("sh> ")
+    termios.tcsetattr(shell.fd, termios.TCSANOW, shell.before)
+    shell.type("fg\n")
+    shell.expect(PROMPT + "call mis")
+    assert shell.modes() == editing
+    shell.type("sed 612\n")
+    shell.expect("idle screen: 1 Missed")
+    shell.expect(PROMPT)
+    shell.type("\x03")
+    shell.ends_with(130)
+    desk.check("612")
+
+
+def hung_up(desk, shell):
+    """The terminal goes; its shell is told, and tells the phone."""
+    shell.start(desk.command())
+    shell.type("call missed 612\n")
+    shell.expect("idle screen")
+    shell.expect(PROMPT)
+    shell.close()
+    desk.check("612")
+
+
+def without_a_word(desk):
+    """The terminal goes, and nobody sends a signal."""
+    master, slave = pty.openpty()
+    phone = subprocess.Popen(desk.command(), stdin=slave, stdout=slave, stderr=slave, start_new_session=True)
+    os.close(slave)
+    terminal = Pty(master)
+    terminal.expect(PROMPT)
+    terminal.type("call missed 612\n")
+    terminal.expect("idle screen")
+    terminal.expect(PROMPT)
+    os.close(master)
+    assert phone.wait(LIMIT) == 0
+    desk.check("612")
+
+
+def in_a_script(desk):
+    """A script that waits for its next line, of which half is there, or for a transfer."""
+    talk = f"misbehave {HELD} stall\ncall missed 61\n server 0\n"
+    calls = []
+    for number in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
+        for rest in "call missed 999", "await\n":
+            calls.append(f"61{len(calls)}")
+            master, slave = pty.openpty()
+            phone = subprocess.Popen(desk.command("--log-server", str(desk.documents)), stdin=subprocess.PIPE,
+                                     stdout=slave, stderr=slave, start_new_session=True)
+            os.close(slave)
+            phone.stdin.write((talk.replace(" 61", f" {calls[-1]}") + rest).encode())
+            phone.stdin.flush()
+            terminal = Pty(master)
+            terminal.expect("downloading")
+            phone.send_signal(number)
+            assert phone.wait(LIMIT) == 128 + number
+            phone.stdin.close()
+            os.close(master)
+            desk.check(*calls)
+
+
+for test in at_the_prompt, during_a_wait, stopped_and_continued, hung_up, without_a_word, in_a_script:
+    print(test.__name__, flush=True)
+    with tempfile.TemporaryDirectory() as place:
+        if "shell" not in test.__code__.co_varnames[:test.__code__.co_argcount]:
+            test(Desk(place))
+            continue
+        user = Shell()
+        test(Desk(place), user)
+        if test is not hung_up:
+            user.close()
