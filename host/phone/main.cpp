@@ -9,6 +9,7 @@
 
 #include "CallImport.h"
 #include "CommandLine.h"
+#include "DemoRoot.h"
 #include "Phone.h"
 #include "Profile.h"
 #include "Script.h"
@@ -27,7 +28,7 @@ constexpr int kWrongCommands = 2;
 constexpr int kEndedBySignal = 128;  // and its number, as shells have it
 
 struct Options {
-  fs::path root = desk::RootDirectory::Default();
+  fs::path root;  // empty: none was named
   bool demo = false;
   fs::path profile;
   std::string script;
@@ -45,8 +46,9 @@ desk::Profile DefaultProfile() {
   return profile;
 }
 
-// A phone that is set up with what stands beside the program; what is named goes before it.
-void SetUpDemo(Options* options) {
+// A phone that is set up with what stands beside the program; what is named goes before it. Its
+// root exists as long as what is returned.
+std::unique_ptr<desk::DemoRoot> SetUpDemo(Options* options) {
   const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path demo = programs.parent_path() / "share/calllog";
   for (fs::path* const named : {&options->root, &options->profile, &options->firstRun,
@@ -55,12 +57,17 @@ void SetUpDemo(Options* options) {
   }
   if (options->profile.empty()) options->profile = demo / "profile.toml";
   if (options->documents.empty()) options->documents = demo / "server";
-  if (isatty(STDIN_FILENO) != 0) {
-    if (options->firstRun.empty()) options->firstRun = demo / "first-day.phone";
-  } else if (options->script.empty()) {
+  const bool atTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+  const bool plays = !atTerminal && options->script.empty();
+  auto root = std::make_unique<desk::DemoRoot>(options->root, plays);
+  options->root = root->path();
+  if (plays) {
     options->script = "scenario.phone";
     fs::current_path(demo);  // for the files that the scenario names
+  } else if (atTerminal && options->firstRun.empty()) {
+    options->firstRun = demo / "first-day.phone";
   }
+  return root;
 }
 
 // Scripts print the same text every time: their clock is their own and starts at a fixed time.
@@ -86,8 +93,9 @@ int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
     desk::SetTimeZone("UTC0");
   }
 
-  std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
-  desk::Phone phone(options.root, profile, MakeClock(scripted), std::cout);
+  const fs::path root = options.root.empty() ? desk::RootDirectory::Default() : options.root;
+  std::cerr << "deskphone in " << fs::absolute(root).string() << "\n";
+  desk::Phone phone(root, profile, MakeClock(scripted), std::cout);
   signals.WakeUp(phone.platform().loop.descriptor());
   phone.interrupted = [&signals] { return signals.Ending() != 0; };
   phone.platform().trace.SetLevel(options.traceLevel);
@@ -115,10 +123,11 @@ int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
 
 void AddOptions(CLI::App* app, Options* options) {
   app->add_option("--root", options->root, "directory that holds the phone's whole state")
-      ->capture_default_str();
+      ->default_str(desk::RootDirectory::Default().string());
   app->add_flag(
       "--demo", options->demo,
-      "a phone that is set up, with a first day of calls; without a terminal its scenario");
+      "a phone that is set up, with a first day of calls, in a root of its own beside the "
+      "default; without a terminal its scenario, in one that goes at the end");
   app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
   app->add_option("--script", options->script,
                   "runs the commands of a file (\"-\": standard input) on a clock of its own");
@@ -155,7 +164,7 @@ int Run(const std::function<int()>& run) {
 int RunPhoneUntilSignal(Options* options, bool importing) {
   desk::Signals signals;
   const int status = Run([&] {
-    if (options->demo) SetUpDemo(options);
+    const auto demoRoot = options->demo ? SetUpDemo(options) : nullptr;
     return RunPhone(*options, importing, signals);
   });
   return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;

@@ -1,0 +1,58 @@
+#!/bin/sh
+# The demonstration leaves the user's own phone alone, and nothing behind:
+# demo_root.sh [EMULATOR...] DESKPHONE
+set -eu
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+state=$work/state
+own=$state/deskphone
+export XDG_STATE_HOME="$state" TMPDIR="$work/tmp"
+mkdir "$TMPDIR"
+
+phone() { "$@" >"$work/out" 2>"$work/errors"; }
+fail() { echo "$1"; cat "$work/errors"; exit 1; }
+kept() { cmp "$work/before" "$own/config/data/call_data.xml"; }
+refused() { # what is refused, in one line, and the command
+  what=$1 status=0
+  shift
+  phone "$@" </dev/null || status=$?
+  [ "$status" -eq 1 ] || fail "$what: exit status $status"
+  [ "$(grep -c '^deskphone: cannot use ' "$work/errors") $(wc -l <"$work/errors")" = "1 1" ] || fail "$what"
+  kept
+}
+
+echo 'call missed 612' | phone "$@"
+cp "$own/config/data/call_data.xml" "$work/before"
+phone "$@" --demo </dev/null || fail "the demonstration does not run"
+grep -q '^phone> remove all all$' "$work/out"
+kept
+[ "$(ls "$state" "$TMPDIR")" = "$(printf '%s:\ndeskphone\n\n%s:' "$state" "$TMPDIR")" ]
+
+# A script that waits for its next line ends with a signal, and the directory with it.
+mkfifo "$work/script"
+"$@" --demo --first-run "$work/script" </dev/null >"$work/out" 2>"$work/errors" &
+exec 3>"$work/script"
+[ -n "$(ls "$TMPDIR")" ]
+kill -TERM $!
+status=0
+wait $! || status=$?
+exec 3>&-
+[ "$status" -eq 143 ] || fail "a signal: exit status $status"
+[ -z "$(ls "$TMPDIR")" ]
+
+ln -s "$own" "$work/link"
+ln -s "$own" "$own-demo"
+mkdir "$work/inside"
+ln -s "$own/config" "$work/inside/config"
+cd "$state"
+for root in "$own" "$own/" "$state/./other/../deskphone" deskphone "$work/link" "$work/inside"; do
+  refused "$root" "$@" --demo --root "$root"
+  refused "$root" "$@" --demo --root "$root" --script -
+done
+refused "its own root, a link" "$@" --demo --script -
+
+# A root with a history is no place for the scenario, but for a script of the user's.
+echo 'call missed 612' | phone "$@" --root "$work/other"
+refused "a root with a history" "$@" --demo --root "$work/other"
+echo 'list' | phone "$@" --demo --root "$work/other" --script -
+grep -q 'all: 1 call' "$work/out"
