@@ -65,6 +65,7 @@ class ScriptTest : public testing::Test {
   }
 
   TemporaryDirectory root;
+  TemporaryDirectory files;
   std::ostringstream errors;
   int wrong = 0;
 };
@@ -96,7 +97,7 @@ TEST_F(ScriptTest, WrongLinesAreNamedAndTheRestGoesOn) {
 }
 
 TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
-  const auto records = root.path() / "records.csv";
+  const auto records = files.path() / "records.csv";
   WriteFile(records, Repeat(kMissedBy100, 1000));
   const std::string import = "cdr " + records.string() + " 100\n";
   const std::string printed =
@@ -127,7 +128,7 @@ TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
 }
 
 TEST_F(ScriptTest, AnInterruptionEndsWhatTakesLong) {
-  const auto records = root.path() / "records.csv";
+  const auto records = files.path() / "records.csv";
   WriteFile(records, kMissedBy100);
   std::ostringstream out;
   Phone phone(root.path(), Profile(), std::make_unique<RealClock>(), out);

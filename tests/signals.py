@@ -120,10 +120,14 @@ def at_the_prompt(desk, shell):
         shell.type(f"call missed {calls[-1]}\n")
         shell.expect("idle screen")
         shell.expect(PROMPT)
+        shell.type("source 0 user=anna password=s3cret\n")
+        shell.expect("source 0 is set")
+        shell.expect(PROMPT)
         end()
         shell.ends_with(status)
         desk.check(*calls)
-        assert f"call missed {calls[-1]}\n" in (desk.root / "commands").read_text()
+        commands = (desk.root / "commands").read_text()
+        assert f"call missed {calls[-1]}\n" in commands and "s3cret" not in commands, commands
 
 
 def during_a_wait(desk, shell):
@@ -222,7 +226,19 @@ def in_a_script(desk):
             desk.check(*calls)
 
 
-for test in at_the_prompt, during_a_wait, stopped_and_continued, hung_up, without_a_word, in_a_script:
+def to_nobody(desk):
+    """Whoever reads what the phone prints goes away."""
+    phone = subprocess.Popen(desk.command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    phone.stdin.write(b"call missed 612\n" + b"help\n" * 100)
+    phone.stdin.flush()
+    phone.stdout.close()
+    phone.stdin.write(b"call missed 613\n")
+    phone.stdin.close()
+    assert phone.wait(LIMIT) == 0
+    desk.check("612", "613")
+
+
+for test in at_the_prompt, during_a_wait, stopped_and_continued, hung_up, without_a_word, in_a_script, to_nobody:
     print(test.__name__, flush=True)
     with tempfile.TemporaryDirectory() as place:
         if "shell" not in test.__code__.co_varnames[:test.__code__.co_argcount]:

@@ -15,10 +15,8 @@ using NS_CALLLOG::CCallLogController;
 
 namespace {
 
-constexpr unsigned int kDownloaded = 0x913;
-
 std::string Describe(const Message& message) {
-  if (message.message == kDownloaded) {
+  if (message.message == MSG_BS_CALLLOG_DOWNLOADED) {
     return std::string(message.lParam == 0 ? "a server list is there: "
                                            : "a server list could not be fetched: ") +
            Printable(MaskCredentials(CString(message.extra)));

@@ -25,7 +25,7 @@ void Sources(Phone& phone, Arguments& arguments) {
     const std::string port = source.port.empty() ? "" : " port " + source.port;
     rows.push_back({std::to_string(i),
                     Controller().IsItemConfigured(i) ? Printable(source.name) : "(no name)",
-                    Printable(source.server + port),
+                    Printable(MaskCredentials(source.server) + port),
                     source.user_name.empty() ? "" : Printable("as " + source.user_name)});
   }
   const std::string name = CallLog_GetBSCallLogDisplayName();

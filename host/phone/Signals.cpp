@@ -26,7 +26,7 @@ void Note(int signal) {
 }  // namespace
 
 Signals::Signals() {
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) Catch(signal, 0);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) Catch(signal, 0);
 }
 
 Signals::~Signals() {

@@ -6,6 +6,7 @@
 
 #include <cstdio>  // readline's header needs FILE
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -38,7 +39,8 @@ void OnLine(char* text) {
     phone.wantsToQuit = true;
     return;
   }
-  if (*line != '\0') add_history(line.get());
+  const bool secret = std::strstr(line.get(), "password=") != nullptr;
+  if (*line != '\0' && !secret) add_history(line.get());
   try {
     RunCommand(phone, line.get());
   } catch (const CommandError& error) {
