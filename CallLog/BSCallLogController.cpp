@@ -4,8 +4,8 @@
 
 #include <new>
 
-#include "BSCallLogModel.h"
-#include "Failure.h"
+#include "CallLog/BSCallLogModel.h"
+#include "CallLog/Failure.h"
 
 namespace NS_CALLLOG {
 

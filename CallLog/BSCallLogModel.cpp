@@ -1,28 +1,28 @@
 // The server call logs in three parts: the sources, the download, the views. What the sources' file
 // looks like is BSConfigDocument's, how a time stamp is read ServerTime's, how a file is read
 // XmlReader's.
-#include "BSCallLogModel.h"
+#include "CallLog/BSCallLogModel.h"
 
 #include <tinyxml.h>
 
 #include <algorithm>
 
 #include "BSCallLogController.h"
-#include "BSConfigDocument.h"
+#include "CallLog/BSConfigDocument.h"
+#include "CallLog/Failure.h"
+#include "CallLog/FileWriter.h"
+#include "CallLog/Paths.h"
+#include "CallLog/RowRange.h"
+#include "CallLog/ServerTime.h"
+#include "CallLog/XmlReader.h"
 #include "CallLogMessages.h"
-#include "CommonAPI.h"
-#include "ConfigParser.h"
-#include "EtlMisc.h"
-#include "EtlMsgHandler.h"
-#include "EtlTrace.h"
-#include "Failure.h"
-#include "FileWriter.h"
-#include "NetStatus.h"
-#include "Paths.h"
-#include "RowRange.h"
-#include "ServerTime.h"
-#include "TinyXmlHelper.h"
-#include "XmlReader.h"
+#include "platform/CommonAPI.h"
+#include "platform/ConfigParser.h"
+#include "platform/EtlMisc.h"
+#include "platform/EtlMsgHandler.h"
+#include "platform/EtlTrace.h"
+#include "platform/NetStatus.h"
+#include "platform/TinyXmlHelper.h"
 
 using ETL_TraceHelper::etlTrace;
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "CallLogRecords.h"
-#include "TaskAction.h"
+#include "platform/TaskAction.h"
 
 class TiXmlElement;
 

@@ -1,13 +1,13 @@
 // Attributes of the sources' file, in the order in which they are written. Loading and saving the
 // file is the model's.
-#include "BSConfigDocument.h"
+#include "CallLog/BSConfigDocument.h"
 
 #include <tinyxml.h>
 
 #include <memory>
 
-#include "TinyXmlHelper.h"
-#include "XmlChars.h"
+#include "CallLog/XmlChars.h"
+#include "platform/TinyXmlHelper.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -5,12 +5,12 @@
 
 #include <new>
 
-#include "CallLogModel.h"
-#include "CommonAPI.h"
-#include "Directory.h"
-#include "EtlMsgHandler.h"
-#include "Failure.h"
-#include "TalkLogic.h"
+#include "CallLog/CallLogModel.h"
+#include "CallLog/Failure.h"
+#include "platform/CommonAPI.h"
+#include "platform/Directory.h"
+#include "platform/EtlMsgHandler.h"
+#include "platform/TalkLogic.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -1,7 +1,7 @@
 // The exported functions: each obtains its controller and forwards. The controllers turn whatever
 // goes wrong into a result.
 #include "CallLog.h"
-#include "Failure.h"
+#include "CallLog/Failure.h"
 
 using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;

@@ -1,10 +1,10 @@
 // The handler of the platform's configuration-change message.
 #include "CallLog.h"
+#include "CallLog/Failure.h"
 #include "CallLogMessages.h"
-#include "EtlMsgHandler.h"
-#include "EtlTrace.h"
-#include "Failure.h"
-#include "MenuTitle.h"
+#include "platform/EtlMsgHandler.h"
+#include "platform/EtlTrace.h"
+#include "platform/MenuTitle.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -1,31 +1,31 @@
 // The local history in sections: store, file, notifications, views, names, search. What the file
 // looks like is HistoryDocument's, how the count of new calls is shown NewCallStatus's, how hits
 // are found CallLogSearchHelper's.
-#include "CallLogModel.h"
+#include "CallLog/CallLogModel.h"
 
 #include <tinyxml.h>
 
 #include <algorithm>
 #include <new>
 
-#include "AccountManager.h"
-#include "CallLogSearchHelper.h"
+#include "CallLog/CallLogSearchHelper.h"
+#include "CallLog/Failure.h"
+#include "CallLog/FileWriter.h"
+#include "CallLog/HistoryDocument.h"
+#include "CallLog/KeyString.h"
+#include "CallLog/NewCallStatus.h"
+#include "CallLog/Paths.h"
+#include "CallLog/RowRange.h"
+#include "CallLog/XmlReader.h"
 #include "CallTypes.h"
-#include "CommonAPI.h"
-#include "ConfigParser.h"
-#include "Directory.h"
-#include "EtlMsgHandler.h"
-#include "EtlTrace.h"
-#include "Failure.h"
-#include "FileWriter.h"
-#include "HistoryDocument.h"
-#include "KeyString.h"
-#include "NewCallStatus.h"
-#include "Paths.h"
-#include "RowRange.h"
-#include "SettingTime.h"
-#include "ThreadTimer.h"
-#include "XmlReader.h"
+#include "platform/AccountManager.h"
+#include "platform/CommonAPI.h"
+#include "platform/ConfigParser.h"
+#include "platform/Directory.h"
+#include "platform/EtlMsgHandler.h"
+#include "platform/EtlTrace.h"
+#include "platform/SettingTime.h"
+#include "platform/ThreadTimer.h"
 
 using ETL_TraceHelper::etlTrace;
 

@@ -1,15 +1,15 @@
 // The incremental search, which narrows what it found for the key before, and the tally of dialled
 // numbers, which is made anew each time. How texts are compared is the platform's.
-#include "CallLogSearchHelper.h"
+#include "CallLog/CallLogSearchHelper.h"
 
 #include <algorithm>
 #include <cctype>
 
+#include "CallLog/RowRange.h"
 #include "CallLogController.h"
 #include "CallTypes.h"
-#include "CommonAPI.h"
-#include "EtlTrace.h"
-#include "RowRange.h"
+#include "platform/CommonAPI.h"
+#include "platform/EtlTrace.h"
 
 using ETL_TraceHelper::etlTrace;
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "CallLogModel.h"
+#include "CallLog/CallLogModel.h"
 #include "CallLogRecords.h"
 
 namespace NS_CALLLOG {

@@ -1,4 +1,4 @@
-#include "FileWriter.h"
+#include "CallLog/FileWriter.h"
 
 #include <fstream>
 

@@ -1,6 +1,6 @@
 // Attributes of the history file, in the order in which they are written. RapidXml prints record by
 // record: its tree of all of them would take more memory than they do themselves.
-#include "HistoryDocument.h"
+#include "CallLog/HistoryDocument.h"
 
 // A save runs on the UI thread, whose stack can be small; RapidXml would put 64 KB of its first
 // memory block inside the document object.
@@ -11,10 +11,10 @@
 #include <charconv>
 #include <string_view>
 
-#include "Failure.h"
-#include "KeyString.h"
-#include "TinyXmlHelper.h"
-#include "XmlChars.h"
+#include "CallLog/Failure.h"
+#include "CallLog/KeyString.h"
+#include "CallLog/XmlChars.h"
+#include "platform/TinyXmlHelper.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "CallLogModel.h"
+#include "CallLog/CallLogModel.h"
 
 class TiXmlElement;
 

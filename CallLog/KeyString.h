@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "CommonUnits.h"
+#include "platform/CommonUnits.h"
 
 namespace NS_CALLLOG {
 

@@ -1,12 +1,12 @@
 // Texts, status ids and events of new calls. Who counts them is the model.
-#include "NewCallStatus.h"
+#include "CallLog/NewCallStatus.h"
 
-#include "Backlight.h"
-#include "CommonAPI.h"
-#include "CommonUnits.h"
-#include "EtlTrace.h"
-#include "Failure.h"
-#include "LedLamp.h"
+#include "CallLog/Failure.h"
+#include "platform/Backlight.h"
+#include "platform/CommonAPI.h"
+#include "platform/CommonUnits.h"
+#include "platform/EtlTrace.h"
+#include "platform/LedLamp.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "CommonAPI.h"
+#include "platform/CommonAPI.h"
 
 namespace NS_CALLLOG {
 

@@ -1,6 +1,6 @@
 // Time stamps by hand: scanf has no answer to a number beyond int, and printf would take a fifth of
 // the time in which a list is read.
-#include "ServerTime.h"
+#include "CallLog/ServerTime.h"
 
 #include <cctype>
 #include <charconv>

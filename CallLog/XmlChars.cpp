@@ -1,5 +1,5 @@
 // UTF-8 by the table of its well-formed sequences, and the characters that XML 1.0 allows.
-#include "XmlChars.h"
+#include "CallLog/XmlChars.h"
 
 #include <algorithm>
 #include <cstdint>

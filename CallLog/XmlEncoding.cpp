@@ -1,14 +1,14 @@
 // Single-byte documents become UTF-8 before anything else looks at them. What says ISO-8859-1 is
 // read as windows-1252, as everybody does: the controls between 0x80 and 0x9F, which that would
 // have instead, are in no text.
-#include "XmlEncoding.h"
+#include "CallLog/XmlEncoding.h"
 
 #include <strings.h>
 
 #include <algorithm>
 #include <string_view>
 
-#include "XmlChars.h"
+#include "CallLog/XmlChars.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -1,5 +1,5 @@
 // A file is read once, copied into plain XML in one pass, and only that copy is handed to TinyXML.
-#include "XmlReader.h"
+#include "CallLog/XmlReader.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,8 +15,8 @@
 #include <string_view>
 #include <utility>
 
-#include "XmlChars.h"
-#include "XmlEncoding.h"
+#include "CallLog/XmlChars.h"
+#include "CallLog/XmlEncoding.h"
 
 namespace NS_CALLLOG {
 namespace {

@@ -1,12 +1,12 @@
-#include "CallDatabase.h"
+#include "benchmarks/CallDatabase.h"
 
 #include <cctype>
 #include <filesystem>
 
-#include "Case.h"
-#include "CommonAPI.h"
-#include "CommonUnits.h"
-#include "SettingTime.h"
+#include "benchmarks/Case.h"
+#include "platform/CommonAPI.h"
+#include "platform/CommonUnits.h"
+#include "platform/SettingTime.h"
 
 namespace bench {
 namespace {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "CallLogRecords.h"
-#include "Data.h"
-#include "Sqlite.h"
+#include "benchmarks/Data.h"
+#include "benchmarks/Sqlite.h"
 
 namespace bench {
 

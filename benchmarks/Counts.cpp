@@ -1,6 +1,6 @@
 // The C library lets a program replace its allocation functions; all others, and operator new, come
 // here through them.
-#include "Counts.h"
+#include "benchmarks/Counts.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "Data.h"
+#include "benchmarks/Data.h"
 
 namespace bench {
 namespace {

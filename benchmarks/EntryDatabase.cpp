@@ -1,8 +1,8 @@
-#include "EntryDatabase.h"
+#include "benchmarks/EntryDatabase.h"
 
 #include <tinyxml.h>
 
-#include "TinyXmlHelper.h"
+#include "platform/TinyXmlHelper.h"
 
 namespace bench {
 namespace {

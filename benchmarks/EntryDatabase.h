@@ -4,7 +4,7 @@
 #include <string>
 
 #include "CallLogRecords.h"
-#include "Sqlite.h"
+#include "benchmarks/Sqlite.h"
 
 namespace bench {
 

@@ -7,10 +7,10 @@
 #include <fstream>
 #include <iterator>
 
-#include "CallDatabase.h"
-#include "Floor.h"
-#include "Reading.h"
-#include "SettingTime.h"
+#include "benchmarks/CallDatabase.h"
+#include "benchmarks/Floor.h"
+#include "benchmarks/Reading.h"
+#include "platform/SettingTime.h"
 
 namespace bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "Floor.h"
+#include "benchmarks/Floor.h"
 
 #include <fcntl.h>
 #include <tinyxml.h>
@@ -10,8 +10,8 @@
 #include <rapidxml/rapidxml.hpp>
 #include <rapidxml/rapidxml_print.hpp>
 
-#include "CommonAPI.h"
-#include "CommonUnits.h"
+#include "platform/CommonAPI.h"
+#include "platform/CommonUnits.h"
 
 namespace bench {
 namespace {

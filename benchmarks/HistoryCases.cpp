@@ -1,9 +1,9 @@
 // The history in memory: add, lists, details, tallies, names.
 #include <algorithm>
 
-#include "CallDatabase.h"
-#include "Floor.h"
-#include "Reading.h"
+#include "benchmarks/CallDatabase.h"
+#include "benchmarks/Floor.h"
+#include "benchmarks/Reading.h"
 
 namespace bench {
 namespace {

@@ -1,4 +1,4 @@
-#include "Module.h"
+#include "benchmarks/Module.h"
 
 #include <filesystem>
 

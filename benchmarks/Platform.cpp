@@ -1,6 +1,6 @@
 // The letters that matter here are those of ASCII: bytes beyond it lie on no key of the key pad,
 // and are compared as they are.
-#include "Platform.h"
+#include "benchmarks/Platform.h"
 
 #include <tinyxml.h>
 #include <unistd.h>
@@ -13,23 +13,23 @@
 #include <string>
 #include <string_view>
 
-#include "AccountManager.h"
-#include "Backlight.h"
-#include "CommonAPI.h"
-#include "CommonUnits.h"
-#include "ConfigParser.h"
-#include "Directory.h"
-#include "EtlMisc.h"
-#include "EtlMsgHandler.h"
-#include "EtlTrace.h"
-#include "LedLamp.h"
-#include "MenuTitle.h"
-#include "NetStatus.h"
-#include "SettingTime.h"
-#include "TalkLogic.h"
-#include "TaskAction.h"
-#include "ThreadTimer.h"
-#include "TinyXmlHelper.h"
+#include "platform/AccountManager.h"
+#include "platform/Backlight.h"
+#include "platform/CommonAPI.h"
+#include "platform/CommonUnits.h"
+#include "platform/ConfigParser.h"
+#include "platform/Directory.h"
+#include "platform/EtlMisc.h"
+#include "platform/EtlMsgHandler.h"
+#include "platform/EtlTrace.h"
+#include "platform/LedLamp.h"
+#include "platform/MenuTitle.h"
+#include "platform/NetStatus.h"
+#include "platform/SettingTime.h"
+#include "platform/TalkLogic.h"
+#include "platform/TaskAction.h"
+#include "platform/ThreadTimer.h"
+#include "platform/TinyXmlHelper.h"
 
 namespace {
 

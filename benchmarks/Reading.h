@@ -4,9 +4,9 @@
 #include <memory>
 #include <utility>
 
-#include "Case.h"
-#include "Data.h"
-#include "Module.h"
+#include "benchmarks/Case.h"
+#include "benchmarks/Data.h"
+#include "benchmarks/Module.h"
 
 namespace bench {
 

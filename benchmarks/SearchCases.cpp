@@ -1,7 +1,7 @@
 // The search, key by key.
-#include "CallDatabase.h"
-#include "Floor.h"
-#include "Reading.h"
+#include "benchmarks/CallDatabase.h"
+#include "benchmarks/Floor.h"
+#include "benchmarks/Reading.h"
 
 namespace bench {
 namespace {

@@ -1,10 +1,10 @@
 // Call logs of servers: a document arrives, and pages are asked for.
 #include <fstream>
 
-#include "EntryDatabase.h"
-#include "Floor.h"
-#include "Platform.h"
-#include "Reading.h"
+#include "benchmarks/EntryDatabase.h"
+#include "benchmarks/Floor.h"
+#include "benchmarks/Platform.h"
+#include "benchmarks/Reading.h"
 
 namespace bench {
 namespace {

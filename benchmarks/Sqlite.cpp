@@ -1,4 +1,4 @@
-#include "Sqlite.h"
+#include "benchmarks/Sqlite.h"
 
 #include <stdexcept>
 

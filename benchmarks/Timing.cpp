@@ -1,4 +1,4 @@
-#include "Timing.h"
+#include "benchmarks/Timing.h"
 
 #include <benchmark/benchmark.h>
 #include <time.h>

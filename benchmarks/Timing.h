@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Case.h"
+#include "benchmarks/Case.h"
 
 namespace bench {
 

@@ -12,10 +12,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "Case.h"
-#include "Counts.h"
-#include "Module.h"
-#include "Timing.h"
+#include "benchmarks/Case.h"
+#include "benchmarks/Counts.h"
+#include "benchmarks/Module.h"
+#include "benchmarks/Timing.h"
 
 namespace bench {
 namespace {

@@ -30,7 +30,7 @@ max_len() {
 # Inputs that stand elsewhere in the tree.
 more_seeds() {
   case $1 in
-    server_list) echo "$top/host/demo/server" ;;
+    server_list) echo "$top/desktop/demo/server" ;;
     *) ;;
   esac
 }

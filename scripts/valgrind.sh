@@ -8,7 +8,7 @@ install_missing $build_packages valgrind
 build default deskphone
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
-cd "$top/host/demo"
+cd "$top/desktop/demo"
 valgrind --leak-check=full --show-leak-kinds=all --errors-for-leak-kinds=all --error-exitcode=1 \
   "$top/build/default/bin/deskphone" --root "$root" --profile profile.toml --log-server server \
   --script scenario.phone >/dev/null

@@ -11,7 +11,7 @@ import tempfile
 from pathlib import Path
 
 SOURCES, CXX, PHONE = Path(sys.argv[1]), sys.argv[2], sys.argv[3:]
-DEMO = SOURCES / "host/demo"
+DEMO = SOURCES / "desktop/demo"
 COMMAND = r"(?:\./|\.ci/|cmake |ctest |deskphone )\S.*"
 # What a reader puts in place of a word in capitals.
 STANDS_FOR = {"FILE": str(DEMO / "first-day.phone"), "Master.csv": str(DEMO / "calls.csv"), "DIR": "phone"}
@@ -43,7 +43,7 @@ def in_general(command):
 def run_phone(command, place):
     """Runs a command of ./run or deskphone in a directory of its own."""
     words = [STANDS_FOR.get(word, word) for word in command.split()[1:]]
-    words = [str(SOURCES / word) if word.startswith("host/") else word for word in words]
+    words = [str(SOURCES / word) if word.startswith("desktop/") else word for word in words]
     with tempfile.TemporaryDirectory() as directory:
         phone = subprocess.Popen(PHONE + words, cwd=directory, env={**os.environ, "HOME": directory, "XDG_STATE_HOME": ""},
                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "CallLog.h"
-#include "Desktop.h"
-#include "HistoryGuard.h"
+#include "desktop/platform/Desktop.h"
+#include "guard/HistoryGuard.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The entry of every target, and the checks by other people's parsers.
-#include "Fuzz.h"
+#include "tests/fuzz/Fuzz.h"
 
 #include <libxml/parser.h>
 

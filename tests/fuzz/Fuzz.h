@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "PhoneTest.h"
+#include "tests/support/PhoneTest.h"
 
 namespace desk {
 

@@ -4,8 +4,8 @@
 #include <climits>
 #include <sstream>
 
-#include "CallRecords.h"
-#include "Fuzz.h"
+#include "desktop/cdr/CallRecords.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

@@ -3,8 +3,8 @@
 #include <charconv>
 #include <regex>
 
-#include "CommonAPI.h"
-#include "Fuzz.h"
+#include "platform/CommonAPI.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

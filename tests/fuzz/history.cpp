@@ -5,8 +5,8 @@
 #include <climits>
 #include <set>
 
-#include "Fuzz.h"
-#include "TextMatch.h"
+#include "desktop/platform/TextMatch.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

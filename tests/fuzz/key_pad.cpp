@@ -1,9 +1,9 @@
 // Names as users look for them: the key-pad form and the folded form. Both are made of the name's
 // parts alone, and making them twice changes nothing.
-#include "CommonAPI.h"
-#include "CommonUnits.h"
-#include "Fuzz.h"
-#include "TextMatch.h"
+#include "desktop/platform/TextMatch.h"
+#include "platform/CommonAPI.h"
+#include "platform/CommonUnits.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 

@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "CommandLine.h"
-#include "Fuzz.h"
-#include "Phone.h"
-#include "Script.h"
+#include "desktop/console/CommandLine.h"
+#include "desktop/console/Script.h"
+#include "desktop/phone/Phone.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

@@ -3,9 +3,9 @@
 // the times, which are time_stamp's.
 #include <cctype>
 
-#include "Fuzz.h"
-#include "TaskAction.h"
-#include "Transfer.h"
+#include "desktop/platform/Transfer.h"
+#include "platform/TaskAction.h"
+#include "tests/fuzz/Fuzz.h"
 
 // The transfers of this program: each has succeeded when it starts, with the document that is in
 // place. They stand before those of the platform's library.

@@ -1,6 +1,6 @@
 // The file of the server call logs' sources, which provisioning writes. What cannot be loaded is
 // left alone; what can is the same after it was saved and loaded again.
-#include "Fuzz.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "CommandLine.h"
-#include "Fuzz.h"
-#include "ServerTime.h"
-#include "TimeInput.h"
-#include "TimeText.h"
+#include "CallLog/ServerTime.h"
+#include "desktop/console/CommandLine.h"
+#include "desktop/console/TimeInput.h"
+#include "desktop/platform/TimeText.h"
+#include "tests/fuzz/Fuzz.h"
 
 namespace desk {
 namespace {

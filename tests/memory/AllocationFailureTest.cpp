@@ -5,9 +5,9 @@
 
 #include <initializer_list>
 
-#include "EtlMsgHandler.h"
-#include "FailingMemory.h"
-#include "ServerTest.h"
+#include "platform/EtlMsgHandler.h"
+#include "tests/memory/FailingMemory.h"
+#include "tests/support/ServerTest.h"
 
 namespace desk {
 namespace {

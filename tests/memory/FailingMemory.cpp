@@ -1,5 +1,5 @@
 // The program's operator new, which its shared libraries use as well.
-#include "FailingMemory.h"
+#include "tests/memory/FailingMemory.h"
 
 #include <cstdlib>
 #include <new>

@@ -2,9 +2,9 @@
 // form stands in front of the desktop's.
 #include <stdexcept>
 
-#include "CommonUnits.h"
-#include "KeyPad.h"
-#include "PhoneTest.h"
+#include "desktop/platform/KeyPad.h"
+#include "platform/CommonUnits.h"
+#include "tests/support/PhoneTest.h"
 
 std::string CommonUnits_ToKeyString(const std::string& name) {
   if (name == "Cursed") throw std::runtime_error("no key-pad form");

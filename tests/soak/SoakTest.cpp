@@ -8,9 +8,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "HeapInUse.h"
-#include "ModelDriver.h"
-#include "ServerTest.h"
+#include "tests/support/HeapInUse.h"
+#include "tests/support/ModelDriver.h"
+#include "tests/support/ServerTest.h"
 
 namespace desk {
 namespace {

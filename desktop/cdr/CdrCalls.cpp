@@ -1,0 +1,135 @@
+// Groups the legs as they come, and folds the extension's own ones into calls at the end: only then
+// is it known whether another leg was answered.
+#include "desktop/cdr/CdrCalls.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <string_view>
+#include <utility>
+
+namespace desk {
+namespace {
+
+enum { kOutgoing = 1, kMissed = 2, kReceived = 3 };
+
+// "PJSIP/anna-00000002": anna. Pseudo technologies go before: "AsyncGoto/PJSIP/anna-00000002". A
+// Local channel is the dial plan's own, whatever extension it names.
+std::string_view Endpoint(const std::string& channel) {
+  const std::size_t slash = channel.rfind('/');
+  if (slash == channel.npos || strncasecmp(channel.c_str(), "Local/", 6) == 0) return {};
+  const std::string_view name = std::string_view(channel).substr(slash + 1);
+  return name.substr(0, name.rfind('-'));
+}
+
+// Older PBXs leave one row for both, with the channel that rang and the answer of the mailbox.
+bool TakenByVoicemail(const CdrLeg& leg) {
+  return strcasecmp(leg.lastapp.c_str(), "VoiceMail") == 0;
+}
+
+bool AnsweredByChannel(const CdrLeg& leg) {
+  return leg.answered && !leg.dstchannel.empty() && !TakenByVoicemail(leg);
+}
+
+// The time talked over several legs: one after the other they add up, at the same time they do not.
+class TalkTime {
+ public:
+  int Add(int start, int duration, int billsec) {
+    const std::int64_t before = start < end_ ? 0 : total_;
+    total_ = std::max(total_, before + billsec);
+    end_ = std::max(end_, std::int64_t{start} + duration);
+    return static_cast<int>(std::min<std::int64_t>(total_, std::numeric_limits<int>::max()));
+  }
+
+ private:
+  std::int64_t total_ = 0;
+  std::int64_t end_ = std::numeric_limits<std::int64_t>::min();
+};
+
+}  // namespace
+
+CdrCalls::CdrCalls(std::string extension, std::string server)
+    : extension_(std::move(extension)), server_(std::move(server)) {}
+
+bool CdrCalls::Add(const CdrLeg& leg) {
+  const std::size_t group = GroupOf(leg);
+  if (AnsweredByChannel(leg)) answered_[group] = true;
+  const bool placed = !extension_.empty() && Endpoint(leg.channel) == extension_;
+  const bool called = !extension_.empty() && Endpoint(leg.dstchannel) == extension_;
+  if (!placed && !called) return false;
+  OwnLeg own = {group, placed, leg.answered, leg.start, leg.duration, leg.billsec, leg.dst, "", ""};
+  if (placed) {
+    own.channel = leg.channel;
+  } else {
+    own.answered = AnsweredByChannel(leg);
+    own.number = leg.src;
+    own.name = leg.callerName;
+  }
+  legs_.push_back(std::move(own));
+  return true;
+}
+
+std::vector<CallLogAddItemData> CdrCalls::Take() {
+  std::stable_sort(legs_.begin(), legs_.end(),
+                   [](const OwnLeg& a, const OwnLeg& b) { return a.start < b.start; });
+  std::vector<CallLogAddItemData> calls;
+  std::vector<TalkTime> talked;
+  std::map<std::pair<std::size_t, std::string>, std::size_t> indexOf;
+  for (const OwnLeg& own : legs_) {
+    const std::size_t group = Root(own.group);
+    if (!own.placed && !own.answered && answered_[group]) continue;
+    const auto [found, isNew] = indexOf.try_emplace({group, own.channel}, calls.size());
+    if (isNew) {
+      calls.push_back(MakeCall(own));
+      talked.emplace_back();
+    }
+    if (!own.answered) continue;
+    calls[found->second].duration = talked[found->second].Add(own.start, own.duration, own.billsec);
+  }
+  return calls;
+}
+
+CallLogAddItemData CdrCalls::MakeCall(const OwnLeg& own) const {
+  CallLogAddItemData call;
+  call.type = own.placed ? kOutgoing : own.answered ? kReceived : kMissed;
+  call.born_tick = own.start;
+  call.local_sip_name = extension_;
+  call.local_sip_server = server_;
+  call.remote_sip_name = own.number;
+  call.remote_sip_server = server_;
+  call.remote_display_name = own.name;
+  return call;
+}
+
+std::size_t CdrCalls::NewGroup() {
+  parent_.push_back(parent_.size());
+  answered_.push_back(false);
+  return parent_.size() - 1;
+}
+
+std::size_t CdrCalls::GroupOfId(const std::string& id) {
+  const auto found = groupOfId_.find(id);
+  if (found != groupOfId_.end()) return Root(found->second);
+  return groupOfId_[id] = NewGroup();
+}
+
+std::size_t CdrCalls::GroupOf(const CdrLeg& leg) {
+  const std::string& id = leg.uniqueid.empty() ? leg.linkedid : leg.uniqueid;
+  if (id.empty()) return NewGroup();
+  const std::size_t group = GroupOfId(id);
+  if (leg.linkedid.empty()) return group;
+  const std::size_t linked = GroupOfId(leg.linkedid);
+  parent_[group] = linked;
+  if (answered_[group]) answered_[linked] = true;
+  return linked;
+}
+
+std::size_t CdrCalls::Root(std::size_t group) {
+  while (parent_[group] != group) group = parent_[group] = parent_[parent_[group]];
+  return group;
+}
+
+}  // namespace desk

@@ -1,0 +1,82 @@
+// Commands that bring calls in: what the talk logic and the directory of a phone would report.
+#include <climits>
+
+#include "CallLogRecords.h"
+#include "desktop/console/CallImport.h"
+#include "desktop/console/CallType.h"
+#include "desktop/console/Commands.h"
+#include "desktop/console/TimeInput.h"
+#include "desktop/phone/AddCall.h"
+
+namespace desk {
+namespace {
+
+// SIP account the call went through: the one named, else the phone's first.
+Account AccountOf(Phone& phone, const std::string& fullName) {
+  if (!fullName.empty()) {
+    const std::size_t at = fullName.rfind('@');
+    if (at == std::string::npos) throw CommandError("an account is USER@SERVER");
+    return {0, fullName.substr(0, at), fullName.substr(at + 1)};
+  }
+  const auto& accounts = phone.platform().accounts.All();
+  return accounts.empty() ? Account() : accounts.front();
+}
+
+int CallTime(Phone& phone, Arguments& arguments) {
+  std::time_t time = phone.platform().clock().Wall();
+  if (arguments.HasOption("at")) time = ParseLocalTime(arguments.Option("at"));
+  if (arguments.HasOption("ago")) {
+    time -= std::chrono::duration_cast<std::chrono::seconds>(ParseSpan(arguments.Option("ago")))
+                .count();
+  }
+  if (time > INT_MAX || time < INT_MIN) throw CommandError("the time does not fit into 32 bits");
+  return static_cast<int>(time);
+}
+
+void Call(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions(
+      {"name", "server", "account", "duration", "at", "ago", "to", "to-name", "to-server"});
+  CallLogAddItemData call;
+  call.type = ParseCallType(arguments.Word("the call type"));
+  call.remote_sip_name = arguments.Word("the number");
+  arguments.Done();
+  const Account account = AccountOf(phone, arguments.Option("account"));
+  call.local_sip_name = account.name;
+  call.local_sip_server = account.server;
+  call.born_tick = CallTime(phone, arguments);
+  call.duration = ParseInt(arguments.Option("duration", "0"), "the duration");
+  call.remote_display_name = arguments.Option("name");
+  call.remote_sip_server = arguments.Option("server", account.server);
+  call.forward_sip_name = arguments.Option("to");
+  call.forward_display_name = arguments.Option("to-name");
+  call.forward_sip_server =
+      arguments.Option("to-server", call.forward_sip_name.empty() ? "" : account.server);
+  const std::string refusal = AddCall(phone.platform(), call);
+  if (!refusal.empty()) phone.out() << "  refused: " << refusal << "\n";
+}
+
+void Import(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions({"server"});
+  CallImport import;
+  import.file = arguments.Word("the file");
+  import.extension = arguments.Word("the extension");
+  import.server = arguments.Option("server", AccountOf(phone, "").server);
+  arguments.Done();
+  import.Run(phone);
+}
+
+}  // namespace
+
+CommandGroup CallCommands() {
+  return {"Calls that come in",
+          {
+              {"call",
+               "TYPE NUMBER [name=N] [duration=SECONDS] [ago=SPAN | at=TIME] [account=USER@SERVER] "
+               "[server=S] [to=NUMBER] [to-name=N] [to-server=S]",
+               "a finished call: outgoing, missed, received or forwarded", Call},
+              {"cdr", "FILE EXTENSION [server=S]",
+               "a PBX's call detail records, as the phone of an extension saw them", Import},
+          }};
+}
+
+}  // namespace desk

@@ -1,0 +1,34 @@
+// How the phone's screens look as text.
+#pragma once
+
+#include <ctime>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "CallLogRecords.h"
+#include "desktop/platform/Display.h"
+
+namespace desk {
+
+// "1 Missed, LED on, backlight on": the idle screen in one line.
+std::string IdleLine(const Display& display);
+
+// The idle screen as a box, with the time and date.
+void PrintIdleScreen(std::ostream& out, const Display& display, std::time_t now);
+
+// One page of a call list; `first` is the row number of its first row.
+void PrintCallList(std::ostream& out, const std::string& title, const CallLogSimpleListData& page);
+
+void PrintDetail(std::ostream& out, const CallLogDetailData& detail);
+
+void PrintMissed(std::ostream& out, const MissedNotifyListData& list);
+void PrintForwarded(std::ostream& out, const ForwardedNotifyList& list);
+
+// Rows of cells in columns as wide as their widest cell, as a terminal shows it.
+void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows);
+
+// "outgoing", "missed" ...; the number for any other type.
+std::string TypeName(int type);
+
+}  // namespace desk

@@ -1,0 +1,185 @@
+// Commands for the call logs kept on servers.
+#include <tinyxml.h>
+
+#include <stdexcept>
+
+#include "CallLog.h"
+#include "desktop/console/Commands.h"
+#include "desktop/console/Screen.h"
+#include "desktop/console/SourceCheck.h"
+#include "desktop/platform/Text.h"
+#include "desktop/platform/TransferUrl.h"
+
+namespace desk {
+namespace {
+
+using NS_CALLLOG::CBSCallLogController;
+
+CBSCallLogController& Controller() { return *CBSCallLogController::GetInstance(); }
+
+void Sources(Phone& phone, Arguments& arguments) {
+  arguments.Done();
+  std::vector<std::vector<std::string>> rows;
+  for (int i = 0; i < Controller().GetTotalConfigurableItemCount(); ++i) {
+    const BroadSoftConfigItem& source = *Controller().GetConfigDataByIndex(i);
+    const std::string port = source.port.empty() ? "" : " port " + source.port;
+    rows.push_back({std::to_string(i),
+                    Controller().IsItemConfigured(i) ? Printable(source.name) : "(no name)",
+                    Printable(MaskCredentials(source.server) + port),
+                    source.user_name.empty() ? "" : Printable("as " + source.user_name)});
+  }
+  const std::string name = CallLog_GetBSCallLogDisplayName();
+  phone.out() << "  server call logs are "
+              << (CallLog_IsBroadSoftCallLogConfigured() == 1 ? "shown" : "not shown")
+              << (name.empty() ? "" : " as \"" + Printable(name) + "\"") << "\n";
+  PrintTable(phone.out(), rows);
+}
+
+// What an answer means; empty when the page was filled.
+std::string Explain(int result) {
+  switch (result) {
+    case NS_CALLLOG::BS_LIST_OK: return {};
+    case NS_CALLLOG::BS_LIST_DOWNLOADING: return "downloading; the phone says when it is there";
+    case NS_CALLLOG::BS_LIST_FAILED: return "the download could not be started";
+    case NS_CALLLOG::BS_LIST_NOT_CONFIGURED: return "no such source, or it has no server";
+    case NS_CALLLOG::BS_LIST_NO_NETWORK: return "no network";
+    default: return "no such page";
+  }
+}
+
+// A click action with brackets stays as it is.
+std::string SourceAction(const std::string& source) {
+  if (source.find('(') != std::string::npos) return source;
+  return "OpenCallLogPage(broadsoft_calllog_" + std::to_string(ParseInt(source, "the source")) +
+         ")";
+}
+
+// What is typed arrives as it was typed, unless it is written as in a URL.
+std::string QueryFor(const std::string& typed) {
+  return typed.rfind(kNameQuery, 0) == 0 ? typed : EscapeQuery(typed);
+}
+
+void Server(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions({"query", "refresh"});
+  const std::string source = arguments.Word("the source");
+  CallLogSimpleListData page;
+  page.request_index = ParseInt(arguments.WordOr("0"), "the first row");
+  page.request_count = ParseInt(arguments.WordOr("20"), "the number of rows");
+  arguments.Done();
+  const bool refresh = ParseSwitch(arguments.Option("refresh", "off"));
+  const int result = Controller().GetLogListByClickAction(
+      &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
+  if (result == NS_CALLLOG::BS_LIST_OK) {
+    PrintCallList(phone.out(), "source " + Printable(source), page);
+  } else {
+    phone.out() << "  " << Explain(result) << "\n";
+  }
+}
+
+void Entry(Phone& phone, Arguments& arguments) {
+  const int row = ParseInt(arguments.Word("the row"), "the row");
+  arguments.Done();
+  CallLogDetailData detail;
+  if (Controller().GetLogDetailByIndex(&detail, row)) {
+    PrintDetail(phone.out(), detail);
+  } else {
+    phone.out() << "  no such row\n";
+  }
+}
+
+// To the local directory, or to its block list.
+void Keep(Phone& phone, Arguments& arguments) {
+  const int row = ParseInt(arguments.Word("the row"), "the row");
+  const bool blocked = arguments.WordOr("") == "block";
+  arguments.Done();
+  const bool kept =
+      blocked ? Controller().AddToLocalBlackDir(row) : Controller().AddToLocalDir(row);
+  phone.out() << (kept ? "  kept\n" : "  not offered for server call logs\n");
+}
+
+void Cancel(Phone& phone, Arguments& arguments) {
+  arguments.Done();
+  phone.out() << (Controller().CancelDownload() ? "  cancelled; the next request fetches it anew\n"
+                                                : "  no list was asked for\n");
+}
+
+void Await(Phone& phone, Arguments& arguments) {
+  arguments.Done();
+  if (!phone.AwaitTransfers()) phone.out() << "  the wait was interrupted; the download goes on\n";
+}
+
+void Source(Phone& phone, Arguments& arguments) {
+  arguments.AllowOptions({"name", "server", "port", "user", "password"});
+  const int index = ParseInt(arguments.Word("the source"), "the source");
+  arguments.Done();
+  const BroadSoftConfigItem* const present = Controller().GetConfigDataByIndex(index);
+  if (present == nullptr) throw CommandError("no source " + std::to_string(index));
+  BroadSoftConfigItem source = *present;
+  source.name = arguments.Option("name", source.name);
+  source.server = arguments.Option("server", source.server);
+  source.port = arguments.Option("port", source.port);
+  source.user_name = arguments.Option("user", source.user_name);
+  source.password = arguments.Option("password", source.password);
+  const std::string refusal = WhyUnusable(source);
+  if (!refusal.empty()) throw CommandError(refusal);
+  Controller().SetConfigDataByIndex(index, source);
+  phone.out() << "  source " << index << " is set\n";
+}
+
+void Reload(Phone& phone, Arguments& arguments) {
+  arguments.Done();
+  const bool loaded = Controller().ReloadBSCallLogConfig();
+  phone.out() << (loaded ? "  " + std::to_string(Controller().GetTotalConfigurableItemCount()) +
+                               " sources\n"
+                         : "  the file cannot be read; there are no sources\n");
+}
+
+// The module takes the name from its file only: a phone's provisioning writes it there.
+void DisplayName(Phone& phone, Arguments& arguments) {
+  const std::string name = arguments.WordOr("");
+  arguments.Done();
+  Controller();  // creates the file when there is none
+  TiXmlDocument file(phone.SourcesFile().string());
+  TiXmlElement* const root = file.LoadFile() ? file.RootElement() : nullptr;
+  if (root == nullptr) throw CommandError("cannot read " + phone.SourcesFile().string());
+  root->SetAttribute("display_name", name.c_str());
+  if (!file.SaveFile()) throw CommandError("cannot write " + phone.SourcesFile().string());
+  Controller().ReloadBSCallLogConfig();
+}
+
+void MisbehaveAs(Phone& phone, Arguments& arguments) {
+  const std::string path = arguments.Word("the path");
+  const std::string behaviour = arguments.Word("how");
+  arguments.Done();
+  if (phone.logServer() == nullptr) throw CommandError("this phone has no log server of its own");
+  try {
+    phone.logServer()->Misbehave(path, ParseBehaviour(behaviour));
+  } catch (const std::invalid_argument& error) {
+    throw CommandError(error.what());
+  }
+}
+
+}  // namespace
+
+CommandGroup ServerCommands() {
+  return {"Call logs kept on servers",
+          {
+              {"sources", "", "the sources, and whether they are shown", Sources},
+              {"server", "SOURCE [FIRST [COUNT]] [query=NAME] [refresh=on]",
+               "a source's list: starts its download, or pages through it", Server},
+              {"entry", "ROW", "one entry of the list asked for last", Entry},
+              {"keep", "ROW [block]", "an entry into the directory, or its block list: not offered",
+               Keep},
+              {"cancel", "", "discards what is being downloaded", Cancel},
+              {"await", "", "waits until nothing is being downloaded", Await},
+              {"source", "INDEX [name=N] [server=S] [port=P] [user=U] [password=P]",
+               "sets a source", Source},
+              {"display-name", "[NAME]", "the name under which the menu shows them", DisplayName},
+              {"reload", "", "reads the sources' file again", Reload},
+              {"misbehave",
+               "PATH document|hold|delay:SECONDS|stall|cut|endless|page|STATUS|redirect:URL",
+               "how the phone's own log server answers a path from now on", MisbehaveAs},
+          }};
+}
+
+}  // namespace desk

@@ -1,0 +1,83 @@
+// Handlers that set a flag and write to an eventfd; everything else happens where that is polled.
+#include "desktop/console/Signals.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+
+namespace desk {
+namespace {
+
+std::array<std::atomic<bool>, NSIG> arrived;
+std::atomic<int> wakeUp{-1};
+
+void Note(int signal) {
+  const int error = errno;
+  arrived[static_cast<std::size_t>(signal)] = true;
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(wakeUp, &one, sizeof one);
+  errno = error;
+}
+
+}  // namespace
+
+Signals::Signals() {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) Catch(signal, 0);
+}
+
+Signals::~Signals() {
+  for (const auto& [signal, action] : before_) sigaction(signal, &action, nullptr);
+  close(wakeUp.exchange(-1));
+}
+
+void Signals::Catch(int signal, int flags) {
+  struct sigaction action = {};
+  sigaction(signal, nullptr, &action);
+  if (action.sa_handler == SIG_IGN) return;
+  before_.emplace_back(signal, action);
+  action = {};
+  action.sa_handler = Note;
+  action.sa_flags = flags;
+  sigaction(signal, &action, nullptr);
+}
+
+void Signals::CatchStops() {
+  for (const int signal : {SIGTSTP, SIGCONT}) Catch(signal, SA_RESTART);
+}
+
+// A descriptor of its own: the other may be closed before the last signal arrives.
+void Signals::WakeUp(int eventDescriptor) {
+  close(wakeUp.exchange(fcntl(eventDescriptor, F_DUPFD_CLOEXEC, 0)));
+}
+
+int Signals::Ending() const {
+  for (const int signal : {SIGHUP, SIGTERM, SIGINT}) {
+    if (arrived[static_cast<std::size_t>(signal)]) return signal;
+  }
+  return 0;
+}
+
+bool Signals::Take(int signal) { return arrived[static_cast<std::size_t>(signal)].exchange(false); }
+
+void Signals::Stop() {
+  struct sigaction caught = {};
+  struct sigaction normal = {};
+  normal.sa_handler = SIG_DFL;
+  sigaction(SIGTSTP, &normal, &caught);
+  raise(SIGTSTP);
+  sigaction(SIGTSTP, &caught, nullptr);
+}
+
+SignalsBlocked::SignalsBlocked() {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, &before_);
+}
+
+SignalsBlocked::~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+}  // namespace desk

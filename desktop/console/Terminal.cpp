@@ -1,0 +1,166 @@
+// Readline in its callback mode, so that one thread waits for keys, timers and transfers at once.
+#include "desktop/console/Terminal.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdio>  // readline's header needs FILE
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <readline/history.h>
+#include <readline/readline.h>
+
+#include "desktop/console/CommandLine.h"
+#include "desktop/console/Commands.h"
+#include "desktop/console/Signals.h"
+#include "desktop/platform/Text.h"
+
+namespace desk {
+namespace {
+
+constexpr char kPrompt[] = "phone> ";
+constexpr char kHistoryFile[] = "commands";  // in the phone's directory
+constexpr int kHistoryLength = 500;
+
+// Readline calls back without a context of ours.
+Phone* terminalPhone = nullptr;
+Signals* terminalSignals = nullptr;
+
+void OnLine(char* text) {
+  const std::unique_ptr<char, decltype(&std::free)> line(text, std::free);
+  Phone& phone = *terminalPhone;
+  if (line == nullptr) {
+    phone.out() << "\n";
+    phone.wantsToQuit = true;
+    return;
+  }
+  const bool secret = std::strstr(line.get(), "password=") != nullptr;
+  if (*line != '\0' && !secret) add_history(line.get());
+  try {
+    RunCommand(phone, line.get());
+  } catch (const CommandError& error) {
+    phone.out() << "  " << Printable(error.what()) << "\n";
+  }
+  phone.out() << std::flush;
+  if (terminalSignals->Ending() != 0) phone.wantsToQuit = true;
+  if (phone.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
+}
+
+char* NextCommand(const char* prefix, int state) {
+  static std::vector<std::string> names;
+  static std::size_t next = 0;
+  if (state == 0) {
+    next = 0;
+    names.clear();
+    for (const CommandGroup& group : AllCommands()) {
+      for (const Command& command : group.commands) names.push_back(command.name);
+    }
+  }
+  while (next < names.size()) {
+    const std::string& name = names[next++];
+    if (name.rfind(prefix, 0) == 0) return strdup(name.c_str());
+  }
+  return nullptr;
+}
+
+// Commands for the first word, files for the others.
+char** Complete(const char* text, int start, int /*end*/) {
+  return start == 0 ? rl_completion_matches(text, NextCommand) : nullptr;
+}
+
+// Shows the line that is being edited again, below what `print` prints.
+template <typename Print>
+void Redisplay(Print print) {
+  rl_clear_visible_line();
+  print();
+  rl_on_new_line();
+  rl_redisplay();
+}
+
+// What happened while the user was typing goes above the line that is being edited.
+void ReportAboveLine(Phone& phone) {
+  if (!phone.HasChanges()) return;
+  Redisplay([&] {
+    phone.ReportChanges();
+    phone.out() << std::flush;
+  });
+}
+
+// Whether the command that is running is to end: Ctrl-C ends it alone. Ctrl-Z is seen to, too.
+bool IsCommandInterrupted(Signals& signals) {
+  if (signals.Take(SIGTSTP)) signals.Stop();
+  return signals.Take(SIGINT) || signals.Ending() != 0;
+}
+
+// At the prompt the terminal is in readline's modes, and whoever had it meanwhile has left others.
+void SeeToStops(Signals& signals) {
+  if (signals.Take(SIGTSTP)) {
+    rl_deprep_terminal();
+    signals.Stop();
+  }
+  if (!signals.Take(SIGCONT)) return;
+  rl_deprep_terminal();
+  rl_prep_terminal(1);
+  Redisplay([] {});
+}
+
+int PollTimeout(Phone& phone) {
+  const auto due = phone.platform().timers.NextDue();
+  if (!due) return -1;
+  const auto left = (*due - phone.platform().clock().Monotonic()).count();
+  return static_cast<int>(
+      std::max<Milliseconds::rep>(0, std::min<Milliseconds::rep>(left, 60'000)));
+}
+
+// Signals are looked at after the loop has run, which takes what woke it.
+void RunPrompt(Phone& phone, Signals& signals) {
+  pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {phone.platform().loop.descriptor(), POLLIN, 0}};
+  while (!phone.wantsToQuit) {
+    phone.platform().RunDue();
+    ReportAboveLine(phone);
+    SeeToStops(signals);
+    if (signals.Ending() != 0) return;
+    if (poll(waiting, 2, PollTimeout(phone)) < 0) continue;
+    if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
+    if (waiting[0].revents != 0) rl_callback_read_char();
+  }
+}
+
+void StartReadline() {
+  rl_readline_name = "deskphone";
+  rl_catch_signals = 0;
+  rl_attempted_completion_function = Complete;
+  using_history();
+  read_history(kHistoryFile);
+  rl_callback_handler_install(kPrompt, OnLine);
+}
+
+// What is to be kept comes first: a terminal that is held up holds up whoever writes to it.
+void EndReadline(Phone& phone) {
+  phone.Save();
+  stifle_history(kHistoryLength);
+  write_history(kHistoryFile);
+  rl_callback_handler_remove();
+}
+
+}  // namespace
+
+void RunTerminal(Phone& phone, Signals& signals) {
+  terminalPhone = &phone;
+  terminalSignals = &signals;
+  signals.CatchStops();
+  const auto before =
+      std::exchange(phone.interrupted, [&signals] { return IsCommandInterrupted(signals); });
+  StartReadline();
+  RunPrompt(phone, signals);
+  EndReadline(phone);
+  if (!phone.wantsToQuit) phone.out() << "\n";  // behind the prompt
+  phone.interrupted = before;
+}
+
+}  // namespace desk

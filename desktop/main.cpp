@@ -1,0 +1,190 @@
+// The program deskphone: a desktop phone at a terminal, or driven by a script.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "desktop/DemoRoot.h"
+#include "desktop/console/CallImport.h"
+#include "desktop/console/CommandLine.h"
+#include "desktop/console/Script.h"
+#include "desktop/console/ScriptInput.h"
+#include "desktop/console/Signals.h"
+#include "desktop/console/Terminal.h"
+#include "desktop/console/TimeInput.h"
+#include "desktop/phone/Phone.h"
+#include "desktop/platform/Profile.h"
+#include "desktop/server/ServerProgram.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kCannotStart = 1;
+constexpr int kWrongCommands = 2;
+constexpr int kEndedBySignal = 128;  // and its number, as shells have it
+
+struct Options {
+  fs::path root;  // empty: none was named
+  bool demo = false;
+  fs::path profile;
+  std::string script;
+  fs::path firstRun;
+  int traceLevel = 0;
+  fs::path traceFile;
+  fs::path documents;
+  desk::CallImport import;
+};
+
+// A phone with an account, for whoever brings no profile.
+desk::Profile DefaultProfile() {
+  desk::Profile profile;
+  profile.accounts = {desk::Account(0, "100", "sip.example.org")};
+  return profile;
+}
+
+// A phone that is set up with what stands beside the program; what is named goes before it. Its
+// root exists as long as what is returned.
+std::unique_ptr<desk::DemoRoot> SetUpDemo(Options* options) {
+  const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
+  const fs::path demo = programs.parent_path() / "share/calllog";
+  for (fs::path* const named : {&options->root, &options->profile, &options->firstRun,
+                                &options->traceFile, &options->documents}) {
+    if (!named->empty()) *named = fs::absolute(*named);
+  }
+  if (options->profile.empty()) options->profile = demo / "profile.toml";
+  if (options->documents.empty()) options->documents = demo / "server";
+  const bool atTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+  const bool plays = !atTerminal && options->script.empty();
+  auto root = std::make_unique<desk::DemoRoot>(options->root, plays);
+  options->root = root->path();
+  if (plays) {
+    options->script = "scenario.phone";
+    fs::current_path(demo);  // for the files that the scenario names
+  } else if (atTerminal && options->firstRun.empty()) {
+    options->firstRun = demo / "first-day.phone";
+  }
+  return root;
+}
+
+// Scripts print the same text every time: their clock is their own and starts at a fixed time.
+std::unique_ptr<desk::Clock> MakeClock(bool manual) {
+  if (!manual) return std::make_unique<desk::RealClock>();
+  return std::make_unique<desk::ManualClock>(desk::ParseLocalTime("2026-10-07 09:00:00"));
+}
+
+int RunScriptFile(desk::Phone& phone, const std::string& name) {
+  desk::ScriptInput input(phone, name);
+  std::istream lines(&input);
+  return desk::RunScript(phone, lines, name == "-" ? "standard input" : name, std::cerr);
+}
+
+int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
+  const bool atTerminal = isatty(STDIN_FILENO) != 0;
+  const bool scripted = !importing && (!options.script.empty() || !atTerminal);
+  const desk::Profile profile =
+      options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
+  if (!profile.timezone.empty()) {
+    desk::SetTimeZone(profile.timezone);
+  } else if (scripted) {
+    desk::SetTimeZone("UTC0");
+  }
+
+  const fs::path root = options.root.empty() ? desk::RootDirectory::Default() : options.root;
+  std::cerr << "deskphone in " << fs::absolute(root).string() << "\n";
+  desk::Phone phone(root, profile, MakeClock(scripted), std::cout);
+  signals.WakeUp(phone.platform().loop.descriptor());
+  phone.interrupted = [&signals] { return signals.Ending() != 0; };
+  phone.platform().trace.SetLevel(options.traceLevel);
+  if (!options.traceFile.empty() &&
+      !phone.platform().trace.SetFile(phone.FromStart(options.traceFile))) {
+    throw desk::CommandError("cannot write to " + options.traceFile.string());
+  }
+  if (importing) {
+    options.import.Run(phone);
+    return 0;
+  }
+  if (!options.documents.empty()) phone.ServeDocuments(options.documents);
+  int wrong = 0;
+  if (!options.firstRun.empty() && !fs::exists(phone.HistoryFile())) {
+    wrong += RunScriptFile(phone, options.firstRun.string());
+  }
+  if (scripted) {
+    wrong += RunScriptFile(phone, options.script.empty() ? "-" : options.script);
+  } else {
+    std::cout << "\"help\" lists the commands; \"quit\" leaves.\n";
+    desk::RunTerminal(phone, signals);
+  }
+  return wrong > 0 ? kWrongCommands : 0;
+}
+
+void AddOptions(CLI::App* app, Options* options) {
+  app->add_option("--root", options->root, "directory that holds the phone's whole state")
+      ->default_str(desk::RootDirectory::Default().string());
+  app->add_flag(
+      "--demo", options->demo,
+      "a phone that is set up, with a first day of calls, in a root of its own beside the "
+      "default; without a terminal its scenario, in one that goes at the end");
+  app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
+  app->add_option("--script", options->script,
+                  "runs the commands of a file (\"-\": standard input) on a clock of its own");
+  app->add_option("--first-run", options->firstRun,
+                  "commands to run first when the phone has no history yet");
+  app->add_option("--log-server", options->documents,
+                  "serves call logs from this directory, and sets up sources for them");
+  app->add_option("--trace", options->traceLevel, "writes the trace out up to this level");
+  app->add_option("--trace-file", options->traceFile, "where to, instead of standard error");
+}
+
+CLI::App* AddImport(CLI::App* app, Options* options) {
+  CLI::App* const cdr =
+      app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists");
+  cdr->add_option("FILE", options->import.file, "Master.csv, or the custom layout")->required();
+  cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
+  cdr->add_option("--server", options->import.server, "SIP server of both parties")
+      ->capture_default_str();
+  cdr->excludes(app->get_option("--demo"));
+  return cdr;
+}
+
+// What `run` returns; an exception is reported.
+int Run(const std::function<int()>& run) {
+  try {
+    return run();
+  } catch (const std::exception& error) {
+    std::cout << std::flush;
+    std::cerr << "deskphone: " << error.what() << "\n";
+    return kCannotStart;
+  }
+}
+
+int RunPhoneUntilSignal(Options* options, bool importing) {
+  desk::Signals signals;
+  const int status = Run([&] {
+    const auto demoRoot = options->demo ? SetUpDemo(options) : nullptr;
+    return RunPhone(*options, importing, signals);
+  });
+  return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  options.import.server = "pbx.example.org";
+  CLI::App app(
+      "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
+      "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"
+      "2 when a script held wrong commands; 128 and the signal's number when SIGHUP, SIGINT or\n"
+      "SIGTERM ended it, with everything saved.");
+  app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
+  AddOptions(&app, &options);
+  CLI::App* const importing = AddImport(&app, &options);
+  desk::ServerProgram server(&app);
+  CLI11_PARSE(app, argc, argv);
+  if (server.IsWanted()) return Run([&] { return server.Run(); });
+  return RunPhoneUntilSignal(&options, importing->parsed());
+}

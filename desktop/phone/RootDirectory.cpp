@@ -1,0 +1,125 @@
+// Makes, locks, closes and enters the directory of one phone.
+#include "desktop/phone/RootDirectory.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "desktop/platform/PrivateFile.h"
+
+namespace desk {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr fs::perms kOthers = fs::perms::group_all | fs::perms::others_all;
+
+RootError Unusable(const fs::path& path, const std::string& reason) {
+  return RootError("cannot use " + path.string() + ": " + reason);
+}
+
+bool HoldsPhone(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_regular_file(fs::symlink_status(path / "lock", ignored)) ||
+         fs::is_directory(path / "config/data", ignored);
+}
+
+bool HoldsAnything(const fs::path& path) {
+  std::error_code error;
+  if (!fs::is_directory(path, error)) return false;
+  const bool isEmpty = fs::is_empty(path, error);
+  if (error) throw Unusable(path, error.message());
+  return !isEmpty;
+}
+
+void Make(const fs::path& root, const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(root / folder, error);
+  if (error) throw Unusable(root, error.message());
+}
+
+// Takes from other users what they may do with it. True when that was something.
+bool Close(const fs::path& path, std::error_code& error) {
+  const fs::perms permissions = fs::symlink_status(path, error).permissions();
+  if (error || (permissions & kOthers) == fs::perms::none) return false;
+  fs::permissions(path, kOthers, fs::perm_options::remove, error);
+  return !error;
+}
+
+// With the files in it, but for links, which may lead anywhere. False for what is no folder itself.
+bool CloseFolder(const fs::path& folder) {
+  std::error_code ignored;
+  if (!fs::is_directory(fs::symlink_status(folder, ignored))) return false;
+  Close(folder, ignored);
+  std::error_code error;
+  for (fs::directory_iterator next(folder, error), end; !error && next != end;
+       next.increment(error)) {
+    if (fs::is_regular_file(next->symlink_status(ignored))) Close(next->path(), ignored);
+  }
+  return true;
+}
+
+// The root comes first: behind it nobody else can get at what is in it. True when it was open.
+bool CloseRoot(const fs::path& root) {
+  std::error_code error;
+  const bool wasOpen = Close(root / ".", error);
+  if (error) throw Unusable(root, "it stays open to other users: " + error.message());
+  CloseFolder(root / ".");
+  if (CloseFolder(root / "config")) CloseFolder(root / "config/data");
+  if (CloseFolder(root / "tmp")) PrivateFile::RemoveLeft(root / "tmp/BroadSoftCallLog.xml");
+  return wasOpen;
+}
+
+}  // namespace
+
+RootDirectory::PrivateUmask::PrivateUmask() : before_(umask(S_IRWXG | S_IRWXO)) {}
+
+RootDirectory::PrivateUmask::~PrivateUmask() { umask(before_); }
+
+RootDirectory::Lock::~Lock() {
+  if (file_ >= 0) close(file_);
+}
+
+void RootDirectory::Lock::Take(const fs::path& root) {
+  file_ = open((root / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (file_ < 0) throw Unusable(root, std::strerror(errno));
+  if (flock(file_, LOCK_EX | LOCK_NB) != 0) throw Unusable(root, "another phone is running there");
+}
+
+RootDirectory::RootDirectory(const fs::path& path) {
+  std::error_code error;
+  before_ = fs::current_path(error);
+  path_ = fs::absolute(path, error);
+  const bool isOld = HoldsPhone(path_);
+  if (!isOld && HoldsAnything(path_)) {
+    throw Unusable(path_,
+                   "it holds other files and no phone; name a new directory or an empty one");
+  }
+  Make(path_, "");
+  lock_.Take(path_);  // before anything else is made: with it the directory is a phone's
+  Make(path_, "config/data");
+  Make(path_, "tmp");
+  wasOpen_ = CloseRoot(path_) && isOld;
+  fs::current_path(path_, error);
+  if (error) throw Unusable(path_, error.message());
+}
+
+RootDirectory::~RootDirectory() {
+  std::error_code ignored;
+  fs::current_path(before_, ignored);
+}
+
+fs::path RootDirectory::Default() {
+  const char* const state = std::getenv("XDG_STATE_HOME");
+  if (state != nullptr && *state == '/') return fs::path(state) / "deskphone";
+  const char* const home = std::getenv("HOME");
+  return fs::path(home != nullptr ? home : ".") / ".local/state/deskphone";
+}
+
+}  // namespace desk

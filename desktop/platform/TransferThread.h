@@ -1,0 +1,86 @@
+// The thread that runs transfers with libcurl. It has a download to itself until it has posted its
+// end, and shares nothing else with the loop's thread.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "desktop/platform/PrivateFile.h"
+#include "desktop/platform/Transfer.h"
+
+namespace desk {
+
+using SteadyClock = std::chrono::steady_clock;
+
+struct EasyCleanup {
+  void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+};
+
+struct MultiCleanup {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+
+// One transfer under way. The service's thread has it to itself until it has posted the end, but
+// for `stopped`.
+struct Download {
+  unsigned int id = 0;
+  std::string target;
+  TransferUrl url;
+  std::atomic<bool> stopped{false};
+  std::promise<void> ended;
+
+  PrivateFile file;
+  std::unique_ptr<CURL, EasyCleanup> handle;
+  std::size_t bytesLeft = 0;
+  std::optional<SteadyClock::time_point> lastByte;  // none as long as there is no connection
+  std::string error;
+};
+
+class TransferThread {
+ public:
+  using OnEnded = std::function<void(unsigned int id)>;  // called on this thread
+
+  TransferThread(const TransferLimits& limits, OnEnded onEnded);
+  ~TransferThread();  // stops what runs
+
+  void Start(std::shared_ptr<Download> download);
+  void Stop(Download& download);  // returns before it has stopped
+
+ private:
+  using Running = std::map<CURL*, std::shared_ptr<Download>>;
+
+  void WakeUp();
+  void Run();
+  bool Admit();
+  bool Open(Download& download);
+  void EndDone();
+  void DropStopped();
+  std::chrono::milliseconds EndIdle();
+  std::shared_ptr<Download> Remove(Running::iterator running);
+  void End(Running::iterator running, std::string error);
+  void PostEnd(std::shared_ptr<Download> download);
+
+  const TransferLimits limits_;
+  const OnEnded onEnded_;
+  const std::unique_ptr<CURLM, MultiCleanup> multi_;
+  Running running_;  // the thread's own
+
+  std::mutex mutex_;  // guards what follows
+  bool stopping_ = false;
+  std::vector<std::shared_ptr<Download>> arrived_;
+
+  std::thread thread_;  // last: it uses all of the above
+};
+
+}  // namespace desk

@@ -1,0 +1,66 @@
+// Credentials are cut off by hand, since nobody has escaped them; the rest is libcurl's parser's.
+#include "desktop/platform/TransferUrl.h"
+
+#include <curl/curl.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace desk {
+namespace {
+
+constexpr std::string_view kSchemeEnd = "://";
+
+bool IsWebScheme(const std::string& scheme) {
+  return strcasecmp(scheme.c_str(), "http") == 0 || strcasecmp(scheme.c_str(), "https") == 0;
+}
+
+// What stands at the start of `rest`, which follows "://", before a path or a query.
+std::string_view Authority(std::string_view rest) {
+  return rest.substr(0, std::min(rest.find('/'), rest.find(kNameQuery)));
+}
+
+// A text of libcurl's, freed; empty when there is none.
+std::string Owned(char* text) {
+  const std::unique_ptr<char, decltype(&curl_free)> owned(text, curl_free);
+  return text != nullptr ? text : "";
+}
+
+// `url` as it is sent; empty when it makes no sense.
+std::string Escaped(const std::string& url) {
+  const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), curl_url_cleanup);
+  constexpr unsigned int kLenient = CURLU_ALLOW_SPACE | CURLU_URLENCODE;
+  if (curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), kLenient) != CURLUE_OK) return {};
+  char* text = nullptr;
+  if (curl_url_get(parsed.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) return {};
+  return Owned(text);
+}
+
+}  // namespace
+
+std::optional<TransferUrl> SplitUrl(std::string_view url) {
+  const std::size_t schemeEnd = url.find(kSchemeEnd);
+  if (schemeEnd == url.npos || !IsWebScheme(std::string(url.substr(0, schemeEnd)))) return {};
+  const std::size_t start = schemeEnd + kSchemeEnd.size();
+  const std::string_view authority = Authority(url.substr(start));
+  const std::size_t at = authority.rfind('@');
+  const std::string_view credentials = authority.substr(0, at == url.npos ? 0 : at);
+  const std::string_view host = authority.substr(at == url.npos ? 0 : at + 1);
+  if (host.empty()) return {};  // the parser would take the path's first part for it
+
+  TransferUrl split;
+  const std::size_t colon = credentials.find(':');
+  split.user = credentials.substr(0, colon);
+  if (colon != credentials.npos) split.password = credentials.substr(colon + 1);
+  const std::string_view path = url.substr(start + authority.size());
+  split.address = Escaped(std::string(url.substr(0, start)).append(host).append(path));
+  if (split.address.empty()) return {};
+  return split;
+}
+
+std::string EscapeQuery(const std::string& text) {
+  return Owned(curl_easy_escape(nullptr, text.data(), static_cast<int>(text.size())));
+}
+
+}  // namespace desk

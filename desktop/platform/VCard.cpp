@@ -1,0 +1,166 @@
+// A small reader of our own, because no library of Debian 12 serves: libvformat crashes on a
+// cut-off file, libbelcard reads 4.0 alone, libvc neither unfolds nor decodes, and libkf5contacts
+// and libebook-contacts bring much of the Qt or GNOME platform along.
+#include "desktop/platform/VCard.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <charconv>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace desk {
+
+namespace {
+
+constexpr auto kNone = std::string_view::npos;
+
+std::string Upper(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return upper;
+}
+
+bool Contains(std::string_view text, std::string_view part) { return text.find(part) != kNone; }
+
+bool IsUtf8(const std::string& text) {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  const auto size = static_cast<utf8proc_ssize_t>(text.size());
+  return utf8proc_decompose(bytes, size, nullptr, 0, utf8proc_option_t{}) >= 0;
+}
+
+std::string DecodeQuotedPrintable(std::string_view text) {
+  std::string decoded;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char* const hex = text.data() + i + 1;
+    unsigned char byte = 0;
+    const bool escape = text[i] == '=' && i + 2 < text.size() &&
+                        std::from_chars(hex, hex + 2, byte, 16).ptr == hex + 2;
+    decoded += escape ? static_cast<char>(byte) : text[i];
+    if (escape) i += 2;
+  }
+  return decoded;
+}
+
+// An unknown escape stays as it is: it may be part of a path.
+std::string Unescape(std::string_view text) {
+  constexpr std::string_view kEscapes = "\\,;:nN";
+  constexpr std::string_view kMeanings = "\\,;:\n\n";
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool escaped = text[i] == '\\' && i + 1 < text.size();
+    const auto meaning = escaped ? kEscapes.find(text[i + 1]) : kNone;
+    plain += meaning == kNone ? text[i] : kMeanings[meaning];
+    if (meaning != kNone) ++i;
+  }
+  return plain;
+}
+
+struct Line {
+  std::size_t number;
+  std::string text;
+};
+
+// True when the next line goes on where `line` stops, in the way of 2.1.
+bool HasSoftBreak(std::string_view line) {
+  return !line.empty() && line.back() == '=' &&
+         Contains(Upper(line.substr(0, line.find(':'))), "QUOTED-PRINTABLE");
+}
+
+std::vector<Line> UnfoldedLines(const std::string& text) {
+  std::vector<Line> lines;
+  std::istringstream input(text);
+  std::string line;
+  for (std::size_t number = 1; std::getline(input, line); ++number) {
+    if (number == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (!lines.empty() && HasSoftBreak(lines.back().text)) {
+      lines.back().text.pop_back();
+      lines.back().text += line;
+    } else if (!lines.empty() && !line.empty() && (line[0] == ' ' || line[0] == '\t')) {
+      lines.back().text.append(line, 1);
+    } else {
+      lines.push_back({number, line});
+    }
+  }
+  return lines;
+}
+
+struct Property {
+  std::string name;        // in capitals, without its group; empty: the line is no property
+  std::string parameters;  // in capitals
+  std::string value;
+};
+
+Property ParseProperty(std::string_view line) {
+  bool quoted = false;
+  const auto colon = std::find_if(line.begin(), line.end(), [&](char c) {
+    quoted ^= c == '"';
+    return c == ':' && !quoted;
+  });
+  if (colon == line.end()) return {};
+  const auto length = static_cast<std::size_t>(colon - line.begin());
+  const std::string head = Upper(line.substr(0, length));
+  const auto nameEnd = std::min(head.find(';'), head.size());
+  const std::string name = head.substr(0, nameEnd);
+  Property property{name.substr(name.rfind('.') + 1), head.substr(nameEnd),
+                    std::string(line.substr(length + 1))};
+  if (Contains(head, "QUOTED-PRINTABLE")) property.value = DecodeQuotedPrintable(property.value);
+  property.value = Unescape(property.value);
+  return property;
+}
+
+void Store(const Property& property, Contact& contact) {
+  const std::string& value = property.value;
+  const std::string scheme = Upper(value.substr(0, value.find(':') + 1));
+  if (property.name == "FN" && contact.name.empty()) {
+    contact.name = value;
+  } else if (property.name == "TEL") {
+    // The number of a URI ends where its parameters begin.
+    std::string number =
+        DialledForm(scheme == "TEL:" ? value.substr(4, value.find(';') - 4) : value);
+    if (!number.empty()) contact.numbers.push_back(std::move(number));
+  } else if (property.name == "PHOTO" && contact.photo.empty()) {
+    const bool isInline = scheme == "DATA:" || Contains(property.parameters, "ENCODING=B") ||
+                          Contains(property.parameters, "BASE64");
+    if (!isInline) contact.photo = value;
+  }
+}
+
+}  // namespace
+
+std::vector<Contact> ParseVCards(const std::string& text, const std::string& source) {
+  const auto check = [&](bool good, std::size_t line, const char* reason) {
+    if (!good) throw VCardError(source + ":" + std::to_string(line) + ": " + reason);
+  };
+  std::vector<Contact> contacts;
+  Contact contact;
+  bool anyCard = false;
+  std::size_t begin = 0;  // line of the card being read; 0: between cards
+  for (const Line& line : UnfoldedLines(text)) {
+    if (line.text.find_first_not_of(" \t") == kNone) continue;
+    const bool isBegin = Upper(line.text) == "BEGIN:VCARD";
+    if (begin == 0) {
+      check(isBegin, line.number, "not a vCard: BEGIN:VCARD expected");
+      contact = {};
+      begin = line.number;
+      anyCard = true;
+    } else if (Upper(line.text) == "END:VCARD") {
+      begin = 0;
+      if (!contact.name.empty() && !contact.numbers.empty()) contacts.push_back(contact);
+    } else {
+      const Property property = ParseProperty(line.text);
+      check(!isBegin, begin, "the card has no END:VCARD");
+      check(!property.name.empty(), line.number, "neither a property nor END:VCARD");
+      check(property.name != "FN" || IsUtf8(property.value), line.number, "FN is not in UTF-8");
+      Store(property, contact);
+    }
+  }
+  check(begin == 0, begin, "the card has no END:VCARD");
+  check(anyCard, 1, "not a vCard: BEGIN:VCARD expected");
+  return contacts;
+}
+
+}  // namespace desk

@@ -1,0 +1,223 @@
+// Documents over HTTP with Basic authorization, by an HTTP library, and the ways to answer badly.
+#include "desktop/server/LogServer.h"
+
+#include <httplib.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "desktop/server/ServedDocument.h"
+
+namespace desk {
+namespace {
+
+using Kind = Behaviour::Kind;
+
+constexpr char kHost[] = "127.0.0.1";
+constexpr char kXml[] = "application/xml";
+constexpr char kPage[] =
+    "<!DOCTYPE html>\n<html><head><title>Sign in</title></head>"
+    "<body><p>Please sign in.</p></body></html>\n";
+
+std::optional<int> ParseNumber(std::string_view text, int low, int high) {
+  int number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || stop != end || number < low || number > high) return {};
+  return number;
+}
+
+bool WriteSpaces(std::size_t /*offset*/, httplib::DataSink& sink) {
+  static const std::string spaces(16 * 1024, ' ');
+  return sink.write(spaces.data(), spaces.size());
+}
+
+}  // namespace
+
+Behaviour ParseBehaviour(const std::string& text) {
+  static const std::map<std::string, Kind> kByName = {
+      {"hold", Kind::kHold},       {"stall", Kind::kStall}, {"cut", Kind::kCut},
+      {"endless", Kind::kEndless}, {"page", Kind::kPage},   {"document", Kind::kDocument},
+  };
+  const auto found = kByName.find(text);
+  if (found != kByName.end()) return {found->second, 0, {}};
+  if (const auto status = ParseNumber(text, 400, 599)) return {Kind::kStatus, *status, {}};
+  const std::size_t colon = text.find(':');
+  const std::string name = text.substr(0, colon);
+  const std::string argument = colon != text.npos ? text.substr(colon + 1) : "";
+  if (name == "redirect" && !argument.empty()) return {Kind::kRedirect, 0, argument};
+  if (name == "delay") {
+    if (const auto seconds = ParseNumber(argument, 0, 3600)) return {Kind::kDelay, *seconds, {}};
+  }
+  throw std::invalid_argument("a server cannot answer with \"" + text + "\"");
+}
+
+LogServer::LogServer(Settings settings) : settings_(std::move(settings)) {}
+
+LogServer::~LogServer() { Stop(); }
+
+void LogServer::Start() {
+  if (!std::filesystem::is_directory(settings_.directory)) {
+    throw std::runtime_error(settings_.directory.string() + ": no directory of documents");
+  }
+  server_ = std::make_unique<httplib::Server>();
+  // A held request keeps its thread, and nobody should have to wait for a connection that idles.
+  server_->new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(64).release(); };
+  server_->set_keep_alive_max_count(1);
+  server_->Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
+    Answer(request, response);
+  });
+  if (!Bind()) {
+    server_.reset();
+    throw std::runtime_error("cannot serve on " + std::string(kHost) + ":" +
+                             std::to_string(settings_.port));
+  }
+  stopping_ = false;
+  thread_ = std::thread([this] { server_->listen_after_bind(); });
+  while (!server_->is_running()) std::this_thread::yield();  // before that it cannot be stopped
+}
+
+bool LogServer::Bind() {
+  int listener = -1;
+  server_->set_socket_options([&listener](int socket) {
+    // The library's own options would let two servers share a port.
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    listener = socket;
+  });
+  port_ = settings_.port;
+  if (port_ == 0) {
+    port_ = server_->bind_to_any_port(kHost);
+  } else if (!server_->bind_to_port(kHost, port_)) {
+    return false;
+  }
+  // The library lets only five connections wait.
+  return port_ > 0 && listen(listener, SOMAXCONN) == 0;
+}
+
+void LogServer::Stop() {
+  if (server_ == nullptr) return;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopping_ = true;
+  }
+  changed_.notify_all();
+  server_->stop();
+  thread_.join();
+  server_.reset();
+}
+
+void LogServer::Misbehave(const std::string& path, const Behaviour& behaviour) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    paths_[path].behaviour = behaviour;
+  }
+  changed_.notify_all();
+}
+
+int LogServer::Requests(const std::string& path) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = paths_.find(path);
+  return found != paths_.end() ? found->second.requests : 0;
+}
+
+bool LogServer::WaitForRequests(const std::string& path, int count) {
+  constexpr auto kTooLong = std::chrono::seconds(20);
+  std::unique_lock<std::mutex> lock(mutex_);
+  return changed_.wait_for(lock, kTooLong, [&] { return paths_[path].requests >= count; });
+}
+
+std::string LogServer::AskedName(const std::string& path) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = paths_.find(path);
+  return found != paths_.end() ? found->second.askedName : "";
+}
+
+Behaviour LogServer::Arrive(const httplib::Request& request) {
+  Behaviour behaviour;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    Path& path = paths_[request.path];
+    ++path.requests;
+    path.askedName = request.get_param_value("name");
+    behaviour = path.behaviour;
+  }
+  changed_.notify_all();
+  return behaviour;
+}
+
+void LogServer::WaitWhile(const std::string& path, Kind kind, std::chrono::seconds limit) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait_for(lock, limit, [&] { return stopping_ || paths_[path].behaviour.kind != kind; });
+}
+
+bool LogServer::IsAuthorized(const httplib::Request& request) const {
+  if (settings_.user.empty()) return true;
+  const auto [name, wanted] =
+      httplib::make_basic_authentication_header(settings_.user, settings_.password);
+  const std::string given = request.get_header_value(name);
+  const std::size_t scheme = wanted.find(' ') + 1;
+  return strncasecmp(given.c_str(), wanted.c_str(), scheme) == 0 &&
+         given.compare(scheme, given.npos, wanted, scheme) == 0;
+}
+
+std::shared_ptr<const ServedDocument> LogServer::FindDocument(const std::string& path) const {
+  const std::string name = path.substr(path.rfind('/') + 1);
+  if (name.find('\0') != name.npos) return {};
+  for (const std::string& candidate : {name, name + ".xml"}) {
+    if (auto document = ServedDocument::Open(settings_.directory / candidate)) return document;
+  }
+  return {};
+}
+
+void LogServer::Send(const std::string& path, const std::shared_ptr<const ServedDocument>& document,
+                     Kind kind, httplib::Response& response) {
+  if (document->size() == 0) return response.set_content("", kXml);
+  const auto provide = [=](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
+    const std::size_t half = document->size() / 2;
+    if ((kind == Kind::kCut || kind == Kind::kStall) && offset < half) {
+      length = std::min(length, half - offset);
+    } else if (kind == Kind::kCut) {
+      return false;
+    } else if (kind == Kind::kStall) {
+      WaitWhile(path, kind);
+    }
+    std::array<char, 16 * 1024> bytes;
+    const std::size_t size = document->Read(offset, bytes.data(), std::min(length, bytes.size()));
+    return size > 0 && sink.write(bytes.data(), size);
+  };
+  response.set_content_provider(document->size(), kXml, provide);
+}
+
+void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
+  const std::string& path = request.path;
+  const Behaviour behaviour = Arrive(request);
+  if (!IsAuthorized(request)) {
+    response.status = 401;
+    response.set_header("WWW-Authenticate", "Basic realm=\"call logs\"");
+    return;
+  }
+  switch (behaviour.kind) {
+    case Kind::kStatus: response.status = behaviour.number; return;
+    case Kind::kRedirect: response.set_redirect(behaviour.location); return;
+    case Kind::kPage: response.set_content(kPage, "text/html"); return;
+    case Kind::kEndless: response.set_chunked_content_provider(kXml, WriteSpaces); return;
+    case Kind::kHold: WaitWhile(path, Kind::kHold); break;
+    case Kind::kDelay: WaitWhile(path, Kind::kDelay, std::chrono::seconds(behaviour.number)); break;
+    case Kind::kDocument:
+    case Kind::kStall:
+    case Kind::kCut: break;
+  }
+  if (const auto document = FindDocument(path)) {
+    Send(path, document, behaviour.kind, response);
+  } else {
+    response.status = 404;
+  }
+}
+
+}  // namespace desk

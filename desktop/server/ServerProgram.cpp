@@ -1,0 +1,88 @@
+// The server's options, where its password comes from, and the wait for its end.
+#include "desktop/server/ServerProgram.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+
+namespace desk {
+namespace {
+
+constexpr char kPassword[] = "--password";
+constexpr char kPasswordFile[] = "--password-file";
+
+std::string FirstLine(const std::string& name) {
+  std::ifstream file(name);
+  if (!file) throw std::runtime_error("cannot read " + name + ": " + std::strerror(errno));
+  std::array<char, 1024> line{};
+  file.getline(line.data(), line.size());
+  std::string text = file.fail() ? "" : line.data();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+  if (text.empty()) throw std::runtime_error(name + ": no password in its first line");
+  return text;
+}
+
+std::string AskFor(const std::string& question) {
+  if (isatty(STDIN_FILENO) == 0) return {};
+  const char* const typed = getpass(question.c_str());
+  return typed != nullptr ? typed : "";
+}
+
+}  // namespace
+
+ServerProgram::ServerProgram(CLI::App* program)
+    : command_(program->add_subcommand(
+          "server", "serves call log documents on 127.0.0.1 until it is interrupted")) {
+  command_->add_option("DIRECTORY", settings_.directory, "the documents; links are not followed")
+      ->required();
+  command_->add_option("--port", settings_.port, "0: any free one")->capture_default_str();
+  command_->add_option("--user", settings_.user,
+                       "wants this user; nobody in particular if empty. At a terminal it asks for "
+                       "the password");
+  command_->add_option(kPasswordFile, passwordFile_, "the password is the first line of this file");
+  command_->add_option(kPassword, settings_.password,
+                       "the password, for all to see who list the machine's processes");
+}
+
+bool ServerProgram::IsWanted() const { return command_->parsed(); }
+
+std::string ServerProgram::Password() const {
+  const bool given = command_->count(kPassword) > 0;
+  const bool inFile = command_->count(kPasswordFile) > 0;
+  if (given && inFile) throw std::runtime_error("two passwords: leave out one of the options");
+  if (settings_.user.empty()) {
+    if (!given && !inFile) return {};
+    throw std::runtime_error("a password without --user would let everybody in");
+  }
+  std::string password = inFile ? FirstLine(passwordFile_) : settings_.password;
+  if (password.empty()) password = AskFor("password of " + settings_.user + ": ");
+  if (password.empty()) {
+    throw std::runtime_error("no password for " + settings_.user + ": name a --password-file");
+  }
+  return password;
+}
+
+int ServerProgram::Run() {
+  settings_.password = Password();
+  // Blocked in every thread, so that sigwait() below gets them.
+  sigset_t ends;
+  sigemptyset(&ends);
+  sigaddset(&ends, SIGINT);
+  sigaddset(&ends, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+  LogServer server(settings_);
+  server.Start();
+  std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;
+  int received = 0;
+  sigwait(&ends, &received);
+  return 0;
+}
+
+}  // namespace desk

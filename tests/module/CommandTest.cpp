@@ -1,0 +1,203 @@
+// Tests of what the module passes on: redials and calls to the talk logic, questions to the
+// directory, exported functions to their controllers, and the configuration message.
+#include <functional>
+
+#include "desktop/platform/KeyPad.h"
+#include "platform/CommonUnits.h"
+#include "platform/Directory.h"
+#include "tests/support/PhoneTest.h"
+
+namespace {
+
+// Called while the module reads a call of its history, when the controller has no model yet.
+std::function<void()> whileReading;
+
+}  // namespace
+
+// Stands in front of the platform's.
+std::string CommonUnits_ToKeyString(const std::string& name) {
+  if (whileReading) whileReading();
+  return desk::ToKeyString(name);
+}
+
+namespace desk {
+namespace {
+
+using NS_CALLLOG::CBSCallLogController;
+using NS_CALLLOG::CCallLogController;
+using Texts = std::vector<std::string>;
+
+constexpr unsigned int kConfigChange = 0x10007;
+
+class CommandTest : public PhoneTest {
+ protected:
+  CommandTest() {
+    WriteFile(HistoryFile(), "<root_call_log><item type='1' remote_sip_name='1'/></root_call_log>");
+  }
+  ~CommandTest() override {
+    whileReading = nullptr;
+    CBSCallLogController::ReleaseInstance();
+  }
+
+  // Broadcasts a changed item; the reply stands in the journal.
+  Texts JournalOf(unsigned int item, unsigned int message = kConfigChange) {
+    TakeJournal({""});
+    desktop->loop.Send({message, item, 0, {}});
+    return TakeJournal({""});
+  }
+};
+
+TEST_F(CommandTest, RedialCallsTheLastNumberThroughAnAccountThatCan) {
+  desktop->accounts = Accounts({{7, "anna", "a.example"}, {9, "bob", "b.example"}});
+  desktop->contacts.Add({"Zoe", {"100"}, ""});
+  struct Call {
+    int type;
+    const char *number, *account;
+  };
+  const struct {
+    std::vector<Call> calls;  // oldest first
+    const char *unusable, *journal;
+    const char* action = "OpenSubPage(call_log_2)";
+  } rows[] = {
+      {{{2, "300", "anna"}, {3, "300", "anna"}, {4, "300", "anna"}}, "", ""},
+      {{{1, "100", "anna"}, {1, "300", "bob"}, {2, "200", "anna"}}, "", "300 300 account 9"},
+      {{{1, "300", "anna"}, {1, "100", "bob"}}, "bob", "100 Zoe account 7"},
+      {{{1, "100", "anna"}, {1, "300", "nobody"}}, "", "300 300 account 7"},
+      {{{1, "300", "bob"}, {2, "100", "anna"}}, "bob", "300 300 account -1"},
+      {{{1, "100", "anna"}, {1, "", "anna"}}, "", ""},
+      {{{1, "300", "anna"}}, "", "", "OpenSubPage(call_log_1)"},
+      {{{1, "300", "anna"}}, "", "", "OpenSubPage(call_log_2) "},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    Controller().RemoveAllLogsByClickAction(Action(0));
+    int time = kNow;
+    for (const auto& [type, number, account] : row.calls) {
+      CallLogAddItemData call = MakeCall(type, number, ++time);
+      call.local_sip_name = account;
+      call.remote_display_name = "Stored";
+      CallLog_AddLog(call);
+    }
+    for (const char* account : {"anna", "bob"}) {
+      desktop->accounts.Find(account)->usable = std::string(account) != row.unusable;
+    }
+    desktop->talk = Talk();
+    TakeJournal({""});
+    Controller().RedialNumberByClickAction(row.action);
+    const std::string dialled = row.journal;
+    EXPECT_EQ(TakeJournal({""}), dialled.empty() ? Texts{} : Texts{"call-out " + dialled});
+  }
+}
+
+TEST_F(CommandTest, TalkLogicAndDirectoryAreAskedAndTheirAnswersPassedOn) {
+  EXPECT_TRUE(Controller().CallOut("100", "Zoe"));
+  EXPECT_FALSE(Controller().CallOut("200", ""));  // one call at a time
+  Controller().EnterTalkUI("300");
+  EXPECT_EQ(TakeJournal({"call-out", "dial-screen"}),
+            (Texts{"call-out 100 Zoe account -1", "call-out 200  account -1",
+                   "dial-screen 300 account -1 editable 1"}));
+  desktop->contacts.Add({"Zoe", {"101"}, ""});
+  ContactGeneralItemData contact;
+  EXPECT_FALSE(Controller().GetContactDataByNumber(&contact, "10"));
+  EXPECT_TRUE(Controller().GetContactDataByNumber(&contact, "101"));
+  EXPECT_EQ(contact.display_name, "Zoe");
+}
+
+// What everything answers that needs the model; the voids must do no harm.
+std::vector<int> Answers(CCallLogController& c) {
+  const std::string all = "call_log_0";
+  CallLogSearchListData hits;
+  SuperSearchListData ten;
+  CallLogSimpleListData calls;
+  CallLogDetailData detail;
+  MissedNotifyListData missed;
+  ForwardedNotifyList forwarded;
+  hits.request_count = ten.request_count = calls.request_count = 1;
+  RemoveMissedDirtyByNumber("100");
+  RemoveForwardDirtyByNumber("100");
+  c.UpdateDispName({});
+  c.ResetMissedCall();
+  c.ResetForwardedCall();
+  CallLogAddItemData call;
+  call.type = 3;
+  return {CallLog_AddLog(call),
+          CallLog_UpdateLog(CallLogUpdateData()),
+          CallLog_ResetLogContactName(),
+          CallLog_Search(&hits, "1"),
+          CallLog_SearchRecentOutCall(&hits),
+          CallLog_SuperSearchRecentOutCall(&ten),
+          static_cast<int>(CallLog_GetLastOutCall().size()),
+          c.GetLogListByClickAction(&calls, all),
+          c.GetLogDetailByClickAction(&detail, all, 0),
+          c.GetMissedNotifyList(&missed),
+          c.GetForwardedNotifyList(&forwarded),
+          c.GetImagePathByType(1).empty() ? 0 : 1,
+          c.SaveToFile(),
+          c.RemoveLog(all, 0),
+          c.RemoveLogList(all, {0}),
+          c.RemoveAllLogsByClickAction(all)};
+}
+
+TEST_F(CommandTest, AControllerWithoutAModelRefusesEverything) {
+  std::vector<int> refusals(16, 0);
+  refusals[0] = -1;
+  std::vector<int> answers(16, 1);
+  answers[0] = 0;
+  int readings = 0;
+  whileReading = [&] {
+    ++readings;
+    EXPECT_EQ(Answers(Controller()), refusals);
+    EXPECT_EQ(CallLog_GetLastNewInCall(), "");
+    Controller().RedialNumberByClickAction("OpenSubPage(call_log_2)");
+  };
+  EXPECT_EQ(Names(0), Texts{"1"});
+  EXPECT_EQ(readings, 1);
+  EXPECT_EQ(TakeJournal({"call-out", "timer"}), Texts());
+  whileReading = nullptr;
+  EXPECT_EQ(Answers(Controller()), answers);
+}
+
+TEST_F(CommandTest, AChangeOfTheSourcesIsTakenOverAndAnswered) {
+  const auto sources = root.path() / "config/data/broadsoft_calllog_list.xml";
+  const std::string loaded =
+      "trace 3 CallLog: LoadDataFrom ./config/data/broadsoft_calllog_list.xml";
+  const auto expected = [&](const std::string& title, bool starting = false) {
+    Texts lines = {"trace 2 CallLog: Receive MSG [ST_BS_CALLLOG]", loaded};
+    if (starting) lines.push_back(loaded);
+    if (!title.empty()) {
+      lines.push_back("title OpenCallLogPage(broadsoft_calllog_list.xml) " + title);
+    }
+    lines.insert(lines.end(), {"app 0x914 0 0", "reply 1 to 0x10007"});
+    return lines;
+  };
+  EXPECT_EQ(CallLog_RegisterMessage(), 1);
+  EXPECT_EQ(TakeJournal({""}), Texts{"register 0x10007-0x10007"});
+  EXPECT_EQ(JournalOf(0x28), expected("Broadsoft CallLog", true));
+  WriteFile(sources, "<root_broadsoft_calllog display_name='Office'/>");
+  EXPECT_EQ(JournalOf(0x28), expected("Office"));
+  WriteFile(sources, "nothing that can be loaded");
+  EXPECT_EQ(JournalOf(0x28), expected("Office"));
+  desktop->hasMenu = false;
+  EXPECT_EQ(JournalOf(0x28), expected(""));
+}
+
+TEST_F(CommandTest, OtherItemsAreNotAnsweredAndRemoveNothing) {
+  CallLog_RegisterMessage();
+  std::vector<int> results;
+  desktop->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
+  for (const unsigned int item : {0u, 0x27u, 0x29u, 0x46u, 0x48u}) {
+    EXPECT_EQ(JournalOf(item), Texts());
+  }
+  EXPECT_EQ(JournalOf(0x28, kConfigChange - 1), Texts());
+  EXPECT_EQ(JournalOf(0x28, kConfigChange + 1), Texts());
+  const std::string removal =
+      "trace 3 CCallLogController::OnMessage [BROAD_MSG_CONFIG_CHANGE] wParam[0x47]";
+  EXPECT_EQ(JournalOf(0x47), (Texts{removal, "register 0x8113-0x8113"}));
+  EXPECT_EQ(JournalOf(0x47), Texts{removal});  // the action names no call type
+  EXPECT_EQ(Names(0), Texts{"1"});
+  JournalOf(0x28);
+  EXPECT_EQ(results, std::vector<int>(8, 0));
+}
+
+}  // namespace
+}  // namespace desk

@@ -1,0 +1,43 @@
+// What a full history takes of the heap.
+#include "tests/support/HeapInUse.h"
+#include "tests/support/PhoneTest.h"
+
+namespace desk {
+namespace {
+
+using NS_CALLLOG::CCallLogController;
+
+constexpr int kRecords = 400;
+
+// One record at most, by what it is made of: nine strings, blocks for the two of them that are too
+// long here to stand inside the string, four numbers, its place in the list, the allocator's share.
+constexpr std::size_t kRecord = 9 * sizeof(std::string) + 2 * 48 + 8 * sizeof(void*) + 16;
+constexpr std::size_t kBeside = 4 * 1024;  // controller, model, search
+
+class HeapTest : public PhoneTest {
+ protected:
+  void FillHistory() {
+    desktop->journal.Clear();
+    for (int i = 0; i < kRecords; ++i) {
+      CallLogAddItemData call = MakeCall(1 + i % 4, "+49301234" + std::to_string(1000 + i));
+      call.local_sip_name = "anna";
+      call.local_sip_server = "sip.example.org";
+      call.remote_display_name = "Fischer & Sons, extension " + std::to_string(i);
+      call.remote_sip_server = "pbx.example.org";
+      ASSERT_EQ(CallLog_AddLog(call), 0);
+    }
+    Controller().SaveToFile();
+  }
+};
+
+TEST_F(HeapTest, AFullHistoryTakesItsRecordsAndLittleElse) {
+  FillHistory();
+  const std::size_t with = HeapInUse();
+  CCallLogController::ReleaseInstance();
+  const std::size_t taken = with - HeapInUse();
+  std::printf("  %6zu  heap that a full history takes\n", taken);
+  EXPECT_LT(taken, kRecords * kRecord + kBeside);
+}
+
+}  // namespace
+}  // namespace desk

@@ -1,0 +1,483 @@
+// The history file: its bytes, when it is written, what is made of files that somebody else wrote,
+// cut or damaged. Names that are hostile in themselves are HostileNamesTest's.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <tinyxml.h>
+
+#include <chrono>
+#include <climits>
+#include <functional>
+#include <map>
+
+#include "tests/support/PhoneTest.h"
+#include "tests/support/PlainModel.h"
+
+namespace desk {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+const std::string kHeader = "<?xml version='1.0' encoding='utf-8' ?>\n";
+
+class HistoryFileTest : public PhoneTest {
+ protected:
+  // Starts the phone with this history file.
+  void StartWith(const std::string& bytes) {
+    fs::remove_all(HistoryFile());
+    WriteFile(HistoryFile(), bytes);
+    PowerCycle();
+  }
+
+  // Saves the history although nothing changed.
+  static void Save() {
+    Controller().RemoveAllLogsByClickAction("call_log_99");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+  }
+
+  // What the module makes of a file: the file that it writes itself after having read it.
+  std::string Rewritten(const std::string& bytes) {
+    StartWith(bytes);
+    Save();
+    return ReadFile(HistoryFile());
+  }
+
+  // The next change writes a good file, and the next start finds in it what was there before.
+  void ExpectNextSaveIsGood() {
+    const int size = Size();
+    Add(3, "77");
+    EXPECT_EQ(Controller().SaveToFile(), 1);
+    PowerCycle();
+    EXPECT_EQ(Size(), size + 1);
+  }
+
+  Lines TakeSaveEvents() { return TakeJournal({"timer", "trace 3 --Call log: save"}); }
+};
+
+TEST_F(HistoryFileTest, HoldsExactlyTheseBytes) {
+  CallLogAddItemData call = MakeCall(1, "<4420&\"'>", 1000);
+  call.remote_display_name = "Tom & \"Jerry\" <b>";
+  CallLog_AddLog(call);
+  call = MakeCall(2, "", INT_MIN);
+  call.local_sip_name = "O'Neil";
+  call.local_sip_server = "'\"";
+  call.remote_sip_server = "";
+  call.duration = INT_MIN;
+  CallLog_AddLog(call);
+  call = MakeCall(3, std::string("44\0 20", 6), INT_MAX);
+  call.remote_display_name = " Zo\u00EB\t\n\r\U0001F600\x7F&amp;&#65; ";
+  call.duration = INT_MAX;
+  CallLog_AddLog(call);
+  call = MakeCall(4, "12", -7);
+  call.forward_sip_name = "13";
+  call.forward_display_name = "Eva";
+  call.duration = 0;
+  CallLog_AddLog(call);
+  ASSERT_EQ(Controller().SaveToFile(), 1);
+  const std::string expected =
+      "<?xml version='1.0' encoding='utf-8' ?>\n"
+      "<root_call_log>\n"
+      "\t<item type=\"3\" born_tick=\"2147483647\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\""
+      " remote_display_name=\" Zo\u00EB\t\n\r\U0001F600\x7F&amp;amp;&amp;#65; \""
+      " remote_sip_name=\"44\" remote_sip_server=\"pbx.example.org\" duration=\"2147483647\"/>\n"
+      "\t<item type=\"1\" born_tick=\"1000\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\""
+      " remote_display_name='Tom &amp; \"Jerry\" &lt;b&gt;'"
+      " remote_sip_name='&lt;4420&amp;\"&apos;&gt;' remote_sip_server=\"pbx.example.org\""
+      " duration=\"5\"/>\n"
+      "\t<item type=\"4\" born_tick=\"-7\" local_sip_name=\"anna\""
+      " local_sip_server=\"sip.example.org\" remote_display_name=\"12\" remote_sip_name=\"12\""
+      " remote_sip_server=\"pbx.example.org\" duration=\"0\"/>\n"
+      "\t<item type=\"2\" born_tick=\"-2147483648\" local_sip_name=\"O'Neil\""
+      " local_sip_server='&apos;\"' remote_display_name=\"\" remote_sip_name=\"\""
+      " remote_sip_server=\"\" duration=\"-2147483648\"/>\n"
+      "</root_call_log>\n"
+      "\n";
+  EXPECT_EQ(ReadFile(HistoryFile()), expected);
+  EXPECT_EQ(Rewritten(expected), expected);
+
+  Controller().RemoveAllLogsByClickAction(Action(0));
+  ASSERT_EQ(Controller().SaveToFile(), 1);
+  EXPECT_EQ(ReadFile(HistoryFile()),
+            "<?xml version='1.0' encoding='utf-8' ?>\n"
+            "<root_call_log/>\n"
+            "\n");
+}
+
+TEST_F(HistoryFileTest, IsWrittenOnceFiveSecondsAfterTheFirstChange) {
+  const Lines start = {"timer 90010 set 5000"};
+  const Lines save = {"timer 90010 kill", "trace 3 --Call log: save call log file begin.",
+                      "trace 3 --Call log: save call log file end."};
+  for (int round = 0; round < 2; ++round) {
+    fs::remove(HistoryFile());
+    Add(1, "10");
+    for (const char* number : {"11", "12", "13"}) {
+      desktop->Advance(Milliseconds(1000));
+      Add(2, number);
+    }
+    EXPECT_EQ(TakeSaveEvents(), start);
+    desktop->Advance(Milliseconds(1999));
+    EXPECT_FALSE(fs::exists(HistoryFile()));
+    EXPECT_EQ(TakeSaveEvents(), Lines());
+    desktop->Advance(Milliseconds(1));
+    EXPECT_TRUE(fs::exists(HistoryFile()));
+    EXPECT_EQ(TakeSaveEvents(), save);
+    desktop->Advance(Milliseconds(60000));
+    EXPECT_EQ(TakeSaveEvents(), Lines());
+  }
+  Add(1, "14");
+  TakeSaveEvents();
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  EXPECT_EQ(TakeSaveEvents(), save);
+  fs::remove(HistoryFile());
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  desktop->Advance(Milliseconds(60000));
+  EXPECT_FALSE(fs::exists(HistoryFile()));
+  EXPECT_EQ(TakeSaveEvents(), Lines());
+
+  Add(1, "15");
+  PowerCycle();
+  EXPECT_EQ(Size(), 0) << "nothing saves on the way out";
+  EXPECT_EQ(desktop->timers.NextDue(), std::nullopt) << "reading the file is no change";
+}
+
+TEST_F(HistoryFileTest, ThatTheDiskRefusesCountsAsSavedUntilTheNextChange) {
+  const fs::path away = root.path() / "config/away";
+  fs::rename(HistoryFile().parent_path(), away);
+  Add(1, "10");
+  WaitForSave();
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  Add(1, "11");
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  fs::rename(away, HistoryFile().parent_path());
+  EXPECT_EQ(Controller().SaveToFile(), 0);
+  Add(1, "12");
+  WaitForSave();
+  PowerCycle();
+  EXPECT_EQ(Size(), 3);
+}
+
+std::string Root(const std::string& items) {
+  return "<root_call_log>" + items + "</root_call_log>";
+}
+
+std::string Item(const std::string& attributes) { return "<item " + attributes + "/>"; }
+
+std::string Attributes(int count) {
+  std::string attributes;
+  for (int i = 0; i < count; ++i) attributes += " a" + std::to_string(i) + "='1'";
+  return attributes;
+}
+
+// What the module makes of an item with little in it.
+PlainCall Call(const std::string& name, int type = 0, int time = 0, int duration = 0) {
+  PlainCall call;
+  call.type = type;
+  call.born_tick = time;
+  call.duration = duration;
+  call.remote_display_name = name;
+  return call;
+}
+
+TEST_F(HistoryFileTest, OfAnotherHandIsReadForWhatItHolds) {
+  const std::string one = Root("<item remote_display_name='A'/>");
+  const auto nameAt = [](const std::string& name, int time) {
+    return Item("remote_display_name='" + name + "' born_tick='" + std::to_string(time) + "'");
+  };
+  PlainCall full = Call("N", 4, -5, 6);
+  full.local_sip_name = "a";
+  full.local_sip_server = "b";
+  full.remote_sip_name = "c";
+  full.remote_sip_server = "d";
+  const struct {
+    std::string file;
+    PlainCalls calls;
+  } rows[] = {
+      {one, {Call("A")}},
+      {Root(""), {}},
+      {Root("<item/>"), {Call("")}},
+      {Root("<item remote_sip_server = 'd'\n duration=\"6\" x='7' remote_sip_name\t=\"c\" "
+            "local_sip_server='b' forward_sip_name='9' remote_display_name='N' is_new='1' "
+            "born_tick='-5' local_sip_name='a' type='4'\r\n/>"),
+       {full}},
+      {Root(nameAt("a", 1) + nameAt("b", 3) + nameAt("c", 1) + nameAt("d", 2)),
+       {Call("b", 0, 3), Call("d", 0, 2), Call("a", 0, 1), Call("c", 0, 1)}},
+      {"\xEF\xBB\xBF" + kHeader + one, {Call("A")}},
+      {"<?xml version=\"1.1\" standalone=\"yes\"?>\r\n" + one, {Call("A")}},
+      {one + std::string("\0<x", 3), {Call("A")}},
+      {one + "\nand more < &", {Call("A")}},
+      {"<!-- <item/> --><!DOCTYPE r [ <!ENTITY e '>'> ]><?x <item/> ?>" +
+           Root("text &amp; &#65; <![CDATA[ <item/> & ]]><!-- > --><?y?><item/>"),
+       {Call("")}},
+      {std::string(10000, ' ') + "\xEF\xBB\xBF\n" + one, {Call("A")}},
+      {"\xEF\xBB\xBF" + std::string(10000, '\n') + "\xFF" + kHeader + one, {Call("A")}},
+      {"<!DOCTYPE r [ <!ENTITY e '>'> ><x> ]><?x a>b ?><?xml version='1.0?>" + one, {Call("A")}},
+      {Root("<!x [>]<?x <item> <item/> ?><item remote_display_name=\xC3&#65;<b&/>"),
+       {Call("\uFFFD&#65;<b&")}},
+      {Root("<call/><item type='1'/><old><item type='2'/></old><Item/><items/>"
+            "<item type='3'>text<item type='4'/></item>"),
+       {Call("", 1), Call("", 3)}},
+      {"<x><y/></x>" + one + one, {Call("A")}},
+      {"<calls><item/></calls>", {}},
+      {Root(Repeat("<x>", 63) + Repeat("</x>", 63) + "<item/>"), {Call("")}},
+      {Root(Item(Attributes(64))), {Call("")}},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Rewritten(row.file), FileText(row.calls)) << row.file;
+
+  const std::map<int, std::vector<std::string>> numbers = {
+      {0, {"", " ", "-", "seven", "7x", "7.5", "0x7", "+-7", "7 ", "\xC3"}},
+      {7, {"7", "007", "+7"}},
+      {-5, {"-5", "-05"}},
+      {INT_MAX, {"2147483647", "2147483648", std::string(4000, '9')}},
+      {INT_MIN, {"-2147483648", "-2147483649"}},
+  };
+  for (const auto& [number, texts] : numbers) {
+    for (const std::string& text : texts) {
+      const std::string item =
+          Item("type='" + text + "' born_tick='" + text + "' duration='" + text + "'");
+      EXPECT_EQ(Rewritten(Root(item)), FileText({Call("", number, number, number)})) << text;
+    }
+  }
+
+  const std::pair<std::string, std::string> names[] = {
+      {"&lt;&gt;&amp;&quot;&apos;&#65;&#x42;&#xe9;&#x1F600;", "<>&\"'AB\u00E9\U0001F600"},
+      {"&#0;&#1;&#xD800;&#xFFFE;&#99999999999999999999;", Repeat("\uFFFD", 5)},
+      {"&foo; & b &#; &#65 &#x &", "&foo; & b &#; &#65 &#x &"},
+      {"a<b\n\r\nc\xEF\xBF\xBE\xC3", "a<b\n\r\nc\uFFFD\uFFFD"}};
+  for (const auto& [text, name] : names) {
+    EXPECT_EQ(Rewritten(Root(nameAt(text, 0))), FileText({Call(name)})) << text;
+  }
+}
+
+// The names of the calls that TinyXML finds in a document by itself.
+PlainCalls CallsByTinyXml(const std::string& bytes) {
+  TiXmlDocument document;
+  document.Parse(bytes.c_str(), nullptr, TIXML_ENCODING_UTF8);
+  TiXmlElement* const root = document.FirstChildElement("root_call_log");
+  PlainCalls calls;
+  if (document.Error() || root == nullptr) return calls;
+  for (const TiXmlElement* item = root->FirstChildElement("item"); item != nullptr;
+       item = item->NextSiblingElement("item")) {
+    const char* const name = item->Attribute("remote_display_name");
+    calls.push_back(Call(name != nullptr ? name : ""));
+  }
+  return calls;
+}
+
+// Where each part ends shows in the calls that are read behind it, and in what is refused.
+TEST_F(HistoryFileTest, IsReadAsTinyXmlReadsIt) {
+  const std::string item = "<item remote_display_name='A'/>";
+  const char* const parts[] = {
+      "<?xml version='1.0'>",
+      "<?xml version=\"1>0\">",
+      "<?xml>",
+      "<?xml version='1.0'",
+      "<?XML encoding='>'>",
+      "<?xml?>",
+      "<?x>",
+      "<?x y='>'",
+      "<?x",
+      "<?x?>",
+      "<?>",
+      "<!-- > -->",
+      "<!-->",
+      "<!--",
+      "<!---->",
+      "<!DOCTYPE r>",
+      "<!DOCTYPE r",
+      "<!DOCTYPE r [>",
+      "<!DOCTYPE ]r>",
+      "<!>",
+      "<!x '>'>",
+      "<![CDATA[]]>",
+      "<![CDATA[a]]]]>",
+      "<![CDATA[<x>&#]]>",
+      "<![CDATA[a]>",
+      "</x>",
+      "</x",
+      "text",
+      "<x a=1/>",
+      "<x a= 1 b=>'</x>",
+      "<x a=b/c/>",
+      "<x a=1\"/>",
+      "<x a=1'>",
+      "<x a=",
+      "<x a=1",
+      "<x a=1 a=2/>",
+      "<x a='1'b=2 c==d/>",
+      "<x a=<y></x>",
+      "<x a=2b='1'/>",
+      "<x a=/>",
+      "<item remote_display_name=&amp;&#65;=<\u00E9/>",
+  };
+  for (const std::string part : parts) {
+    for (const std::string& bytes :
+         {part + Root(item), part + "<x></x>" + Root(item), Root(part + item), Root(item + part),
+          Root(item) + part + "<x", Root(item) + "<x/>" + part + "<?y?>" + Root("")}) {
+      EXPECT_EQ(Rewritten(bytes), FileText(CallsByTinyXml(bytes))) << bytes;
+    }
+  }
+}
+
+TEST_F(HistoryFileTest, OfMoreThanTheStoreTakesKeepsTheNewest) {
+  std::string items;
+  PlainCalls kept;
+  for (int i = 0; i < 250; ++i) {
+    // The one that comes in last stays, however old it is.
+    const int type = i % 2 == 0 ? 2 : 77;
+    items += Item("type='" + std::to_string(type) + "' born_tick='" + std::to_string(-i) + "'");
+    if (i < 198 || i >= 248) kept.push_back(Call("", type, -i));
+  }
+  EXPECT_EQ(Rewritten(Root(items)), FileText(kept));
+  EXPECT_EQ(Names(2).size(), 100u);
+}
+
+TEST_F(HistoryFileTest, ThatCannotBeLoadedLeavesAnEmptyHistoryAndIsReplaced) {
+  const std::string open = "<root_call_log><item/>";
+  const std::string close = "</root_call_log>";
+  const std::string files[] = {
+      "",
+      " \n\t",
+      "call log",
+      kHeader + "<!-- nothing -->\n",
+      kHeader,
+      "<!-- " + Root("<item/>"),
+      "<?xml version='1.0'?><a v='x\xF0",
+      open + "<item\xE2\x82",
+      open + "\xF0\x9F",
+      open + "<item type='&#6",
+      std::string("\xFF\xFE<\0r\0o\0o\0t\0", 12),
+      open,
+      open + "</root>",
+      close,
+      open + "<a><b></a></b>" + close,
+      open + "<item>" + close,
+      open + "<item type='1'" + close,
+      open + "<item type=1\"/>" + close,
+      std::string(10000, ' '),
+      std::string(5000, '\n') + "call log" + Root("<item/>"),
+      open + "<item type/>" + close,
+      open + "<item type='1/>" + close,
+      open + "<item type='1' type='2'/>" + close,
+      open + "<item / type='1'/>" + close,
+      open + "< type='1'/>" + close,
+      open + "<it<em/>" + close,
+      open + "<![CDATA[ ]>" + close,
+      open + Repeat("<x>", 64) + Repeat("</x>", 64) + close,
+      Repeat("<item>", 1000000),
+      open + "<x" + Attributes(65) + "/>" + close,
+      "<root_call_log" + Attributes(65) + "><item/>" + close,
+  };
+  for (const std::string& bytes : files) {
+    SCOPED_TRACE(bytes.substr(0, 200));
+    StartWith(bytes);
+    EXPECT_EQ(Size(), 0);
+    EXPECT_EQ(ReadFile(HistoryFile()), bytes) << "only a save changes the file";
+    EXPECT_EQ(Rewritten(bytes), kHeader + "<root_call_log/>\n\n");
+    ExpectNextSaveIsGood();
+  }
+}
+
+// What is dropped in front of TinyXML must not join into something else for it: a reference, say,
+// that swallows tags as far as the next semicolon.
+TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
+  constexpr int kMany = 100000;
+  std::string attributes;
+  for (int i = 0; i < kMany; ++i) attributes += " a" + std::to_string(i) + "='1'";
+  const std::string files[] = {
+      Root(Repeat("<a>&<!---->#</a>#65;", kMany) + "<item/>"),
+      Root(Repeat("<a>&<?x?>#x</a>41;", kMany) + "<item/>"),
+      Root("&<!---->#<b x=\"#65;<z" + attributes + "/>\"/><item/>"),
+      Root("&<![CDATA[#]]><b x=\"#65;<z" + attributes + "/>\"/><item/>"),
+      Root(Repeat("&#", kMany) + "<item/>"),
+      Repeat("<![>", kMany) + Repeat("<?x>", kMany) + Root("<item/>"),
+      Root("<item remote_sip_name='" + Repeat("&#x", kMany) + "'/>"),
+      "\xEF\xBB\xBF\xFF\n\xC3" + Root("\xC3<it\xFF"
+                                      "em \xC3 \uFFFD type\x01='1' \xE2\x82/>\x80"),
+  };
+  for (const std::string& bytes : files) {
+    SCOPED_TRACE(bytes.substr(0, 100));
+    const auto start = std::chrono::steady_clock::now();
+    StartWith(bytes);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(Size(), 1);
+  }
+}
+
+// A call's time ends there, the phone and its file system go on.
+TEST_F(HistoryFileTest, OutlivesTheYear2038) {
+  const std::time_t now = std::time_t{INT_MAX} + 60;
+  desktop->manualClock()->SetWall(now);
+  for (const int time : {0, INT_MAX - 1, -1, INT_MAX, INT_MIN}) Add(1, std::to_string(time), time);
+  EXPECT_EQ(Controller().SaveToFile(), 1);
+  const timespec stamps[] = {{now, 0}, {now, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, HistoryFile().c_str(), stamps, 0), 0);
+  PowerCycle();
+
+  CallLogSimpleListData page;
+  page.request_count = 10;
+  EXPECT_EQ(Controller().GetLogListByClickAction(&page, Action(1)), 1);
+  Lines rows;
+  for (const CallLogSimpleData& row : page.items) {
+    const std::string full = Detail(1, static_cast<int>(rows.size())).time_text;
+    rows.push_back(row.display_name + ", " + row.time_text + ", " + full);
+  }
+  EXPECT_EQ(
+      rows,
+      (Lines{"2147483647, 03:14, 2038-01-19 03:14:07", "2147483646, 03:14, 2038-01-19 03:14:06",
+             "0, 1970-01-01, 1970-01-01 00:00:00", "-1, 1969-12-31, 1969-12-31 23:59:59",
+             "-2147483648, 1901-12-13, 1901-12-13 20:45:52"}));
+}
+
+TEST_F(HistoryFileTest, OfAnotherKindNeitherBlocksNorKillsThePhone) {
+  const fs::path file = HistoryFile();
+  const auto truncated = [&](std::uintmax_t size) {
+    WriteFile(file, "<root_call_log>");
+    fs::resize_file(file, size);
+  };
+  const std::function<void()> rows[] = {
+      [&] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); },
+      [&] { fs::create_symlink("/dev/zero", file); },
+      [&] { truncated(3'000'000'000); },
+      [&] { truncated(1'500'000'000); },
+  };
+  for (const auto& make : rows) {
+    SCOPED_TRACE(&make - rows);
+    fs::remove_all(file);
+    make();
+    const auto start = std::chrono::steady_clock::now();
+    PowerCycle();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_EQ(Size(), 0);
+  }
+}
+
+TEST_F(HistoryFileTest, CutOrDamagedAnywhereIsWholeOrEmptyAndSavedAgain) {
+  PlainCalls calls;
+  for (const char* name : {"Zo\u00EB", "a\"b'", "<&>", "", "\U0001F600", "Bo"}) {
+    const int position = static_cast<int>(calls.size());
+    calls.push_back(Call(name, 1 + position % 4, 1000 - position, position));
+    calls.back().remote_sip_name = std::to_string(position);
+  }
+  const std::string good = FileText(calls);
+  EXPECT_EQ(Rewritten(good), good);
+  const std::size_t end = good.find_last_of('>') + 1;
+  int tried = 0;
+  for (std::size_t position = 0; position < good.size(); ++position) {
+    StartWith(good.substr(0, position));
+    EXPECT_EQ(Size(), position < end ? 0 : 6);
+    if (position % 16 == 0) ExpectNextSaveIsGood();
+    for (const char damage : std::string("\0<>\"'/& a\x80\xC3\xF0", 12)) {
+      std::string bytes = good;
+      bytes[position] = damage;
+      StartWith(bytes);
+      EXPECT_LE(Size(), 6);
+      if (tried++ % 16 == 0) ExpectNextSaveIsGood();
+      ASSERT_FALSE(HasFailure()) << position << " " << static_cast<int>(damage);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace desk

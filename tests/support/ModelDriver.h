@@ -1,0 +1,365 @@
+// The module and a plain model of it, through random events: calls, new names, removals, searches,
+// redials, waiting, saving and power failures. Both must agree in everything that can be seen.
+#pragma once
+
+#include <algorithm>
+#include <climits>
+#include <map>
+#include <random>
+
+#include "platform/SettingTime.h"
+#include "tests/support/PhoneTest.h"
+#include "tests/support/PlainModel.h"
+
+namespace desk {
+
+inline const std::map<std::string, std::string> kContacts = {
+    {"1001", "Bo"}, {"1002", "Bo"}, {"1003", "Zoë & Co"}};
+
+inline std::string DurationText(int seconds) {
+  const auto digits = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
+  if (seconds < 0) return "";
+  return digits(seconds / 3600) + ":" + digits(seconds / 60 % 60) + ":" + digits(seconds % 60);
+}
+
+class ModelDriver : public virtual PhoneTest {
+ protected:
+  ModelDriver() {
+    desktop->accounts = Accounts({{1, "anna", "sip.example.org"}, {2, "quiet", "sip.example.org"}});
+    desktop->accounts.Find("quiet")->keeps_missed = false;
+    for (const auto& [number, name] : kContacts) desktop->contacts.Add({name, {number}, {}});
+  }
+
+  // A phone without a history, and the events of this seed. The power fails every so many events.
+  void Begin(unsigned int seed, int stepsBetweenRestarts) {
+    std::filesystem::remove(HistoryFile());
+    PowerCycle();
+    seed_ = seed;
+    random_.seed(seed);
+    step_ = calls_ = 0;
+    stepsBetweenRestarts_ = stepsBetweenRestarts;
+    model_ = PlainModel();
+    model_.contacts = kContacts;
+    model_.withoutMissed = {"quiet@sip.example.org"};
+    model_.Wait(desktop->clock().Monotonic());
+    desktop->config["HistorySavedSwitch"] = 1;
+  }
+
+  // One event, after which the module and the model are compared: every so often, and after each
+  // save and restart, in all they hold.
+  void Step() {
+    constexpr int kStepsBetweenFullChecks = 200;
+    const bool waiting = model_.SaveAt().has_value();
+    restarted_ = false;
+    const std::string event = Event();
+    CheckCheapThings();
+    const bool saved = waiting && !model_.SaveAt();
+    if (saved || restarted_ || step_ % kStepsBetweenFullChecks == 0) CheckEverything();
+    if (HasFailure()) ADD_FAILURE() << "seed " << seed_ << ", step " << step_ << ": " << event;
+    ++step_;
+  }
+
+  virtual void Restart() {
+    PowerCycle();
+    model_.PowerCycle();
+    restarted_ = true;
+  }
+
+  int calls() const { return calls_; }  // that have ended, refused ones among them
+
+  // A random number from 0 to `end` - 1, the same on every machine.
+  int Below(int end) { return static_cast<int>(random_() % static_cast<unsigned int>(end)); }
+  bool OneIn(int chances) { return Below(chances) == 0; }
+  template <class List>
+  const std::string& Pick(const List& list) {
+    return list[Below(static_cast<int>(std::size(list)))];
+  }
+
+  void ReadNotifyLists() {
+    const auto compare = [this](int type, const auto& items, const auto& targetOf) {
+      std::vector<std::pair<std::string, int>> rows;
+      for (const auto& row : items) {
+        rows.emplace_back(row.display_name + ", " + row.number + targetOf(row), row.count);
+      }
+      EXPECT_EQ(rows, model_.NewCallers(type));
+    };
+    MissedNotifyListData missed;
+    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
+    compare(2, missed.items, [](const auto&) { return ""; });
+    ForwardedNotifyList forwarded;
+    EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
+    compare(4, forwarded.items, [](const auto& row) { return ", " + row.forward_display_name; });
+  }
+
+  void CheckDetails(int view, int first, int end) {
+    const auto calls = model_.View(view);
+    for (int row = first; row < end; ++row) {
+      CallLogDetailData detail;
+      const bool exists = view <= 4 && row >= 0 && row < static_cast<int>(calls.size());
+      ASSERT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), row), exists ? 1 : 0);
+      if (!exists) continue;
+      const PlainCall& call = *calls[static_cast<std::size_t>(row)];
+      EXPECT_EQ(detail.display_name, call.remote_display_name);
+      EXPECT_EQ(detail.number, call.remote_sip_name);
+      EXPECT_EQ(detail.server, call.remote_sip_server);
+      EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
+      EXPECT_EQ(detail.duration_text, DurationText(call.duration));
+      EXPECT_EQ(detail.type, call.type);
+    }
+  }
+
+  void CheckCheapThings() {
+    Display shown = model_.Shown();
+    shown.menuTitles = desktop->display.menuTitles;  // no call changes them
+    EXPECT_TRUE(desktop->display == shown);
+    EXPECT_EQ(desktop->timers.NextDue(), model_.SaveAt());
+    EXPECT_EQ(CallLog_GetLastOutCall(), model_.LastNumber(true));
+    EXPECT_EQ(CallLog_GetLastNewInCall(), model_.LastNumber(false));
+    const int view = Below(6);
+    const int row = RandomRow(view);
+    CheckDetails(view, row, row + 2);
+  }
+
+  void CheckEverything() {
+    for (int view = 0; view <= 4; ++view) {
+      CheckDetails(view, -1, static_cast<int>(model_.View(view).size()) + 1);
+    }
+    ReadNotifyLists();
+    EXPECT_TRUE(ReadFile(HistoryFile()) == model_.File());
+  }
+
+  PlainModel model_;
+
+ private:
+  std::string RandomBytes() {
+    static const std::string kPieces[] = {"\"",       "'",        "&",   "<",    ">",
+                                          "&lt;",     "&#0;",     "]]>", "\xC3", "\xE2\x82",
+                                          "\xF0\x9F", "\xC0\xAF", "é",   "😀",    "\uFFFD"};
+    std::string bytes;
+    for (int i = Below(9); i > 0; --i) {
+      if (OneIn(2)) {
+        bytes += Pick(kPieces);
+      } else {  // one that forms no letter with those before it
+        bytes += static_cast<char>(OneIn(8) ? 0xF8 + Below(8) : 1 + Below(0x7F));
+      }
+    }
+    return bytes;
+  }
+
+  std::string RandomNumber() {
+    if (OneIn(40)) return RandomBytes();
+    return OneIn(40) ? "" : std::to_string(1000 + Below(40));
+  }
+
+  // Where calls are forwarded to: mostly to somebody who never calls.
+  std::string RandomTarget() { return OneIn(4) ? RandomNumber() : std::to_string(2000 + Below(5)); }
+
+  std::string RandomName() {
+    static const std::string kNames[] = {
+        "", "", "", "Bo", "Anna", "1004", std::string("Z\0e", 3), "Łukasz", "*1Bé"};
+    return OneIn(8) ? RandomBytes() : Pick(kNames);
+  }
+
+  CallLogAddItemData RandomCall() {
+    CallLogAddItemData call = MakeCall(1 + Below(4), RandomNumber());
+    if (OneIn(40)) call.type = OneIn(2) ? 0 : 5;
+    call.born_tick = kNow + step_ / 8 - Below(OneIn(5) ? 500 : 5);
+    if (OneIn(5000)) call.born_tick = OneIn(2) ? INT_MIN : INT_MAX;
+    call.duration = OneIn(10) ? -Below(3) : Below(400000);
+    if (OneIn(10)) call.local_sip_name = OneIn(2) ? "quiet" : RandomBytes();
+    if (OneIn(20)) call.remote_sip_server = RandomBytes();
+    call.remote_display_name = RandomName();
+    if (call.type == 4 || OneIn(20)) {
+      call.forward_sip_name = RandomTarget();
+      call.forward_display_name = RandomName();
+    }
+    return call;
+  }
+
+  // Mostly one that exists.
+  int RandomRow(int view) { return Below(static_cast<int>(model_.View(view).size()) + 3) - 1; }
+
+  void Update() {
+    CallLogUpdateData contact;
+    contact.number_1 = OneIn(2) ? RandomNumber() : "";
+    contact.number_2 = OneIn(2) ? RandomNumber() : "";
+    contact.number_3 = OneIn(2) ? RandomTarget() : "";
+    contact.display_name = RandomName();
+    EXPECT_EQ(CallLog_UpdateLog(contact), 1);
+    model_.Update(contact);
+  }
+
+  void UpdateNames() {
+    std::list<SuperSearchItemData> names(static_cast<std::size_t>(Below(4)));
+    for (SuperSearchItemData& entry : names) {
+      entry.number = OneIn(3) ? RandomTarget() : RandomNumber();
+      entry.display_name = RandomName();
+    }
+    Controller().UpdateDispName(names);
+    model_.UpdateNames(names);
+  }
+
+  void RemoveSeveral() {
+    const int view = Below(6);
+    std::list<int> rows;
+    for (int i = Below(5); i > 0; --i) rows.push_back(RandomRow(view));
+    EXPECT_EQ(Controller().RemoveLogList(Action(view), rows), 1);
+    model_.Remove(view, {rows.begin(), rows.end()});
+  }
+
+  template <class Page>
+  void ExpectPage(int result, const Page& page, const std::optional<PlainPage>& expected) {
+    ASSERT_EQ(result, expected ? 1 : 0);
+    PlainPage got({}, page.total);
+    for (const auto& row : page.items) got.first.push_back(row.display_name + ", " + row.number);
+    EXPECT_TRUE(got == expected.value_or(PlainPage()));
+  }
+
+  // Some keys, mostly each longer than the one before, on pages that are mostly there.
+  void TypeKeys() {
+    for (int keys = Below(8); keys > 0; --keys) {
+      if (OneIn(5)) {
+        const auto calls = model_.View(0);
+        const std::size_t row = static_cast<std::size_t>(Below(1 + static_cast<int>(calls.size())));
+        const std::string name = row < calls.size() ? calls[row]->Name() : RandomName();
+        typed_ = Letters(OneIn(3)   ? KeysOf(name)
+                         : OneIn(3) ? Folded(name)
+                         : OneIn(2) ? RandomNumber()
+                                    : name);
+        typedCount_ = 0;
+      }
+      if (!OneIn(4) && typedCount_ < typed_.size()) ++typedCount_;
+      if (OneIn(9) && typedCount_ > 0) --typedCount_;
+      std::string key;
+      for (std::size_t i = 0; i < typedCount_; ++i) key += typed_[i].first;
+      CallLogSearchListData page;
+      page.request_index = OneIn(3) ? Below(9) - 1 : 0;
+      page.request_count = Below(9);
+      const int result = CallLog_Search(&page, key);
+      ExpectPage(result, page, model_.Search(key, page.request_index, page.request_count));
+    }
+  }
+
+  void ReadMostDialled() {
+    CallLogSearchListData all;
+    SuperSearchListData ten;
+    const int first = Below(14) - 1;
+    const int count = Below(9);
+    all.request_index = ten.request_index = first;
+    all.request_count = ten.request_count = count;
+    const int result = CallLog_SearchRecentOutCall(&all);
+    ExpectPage(result, all, model_.MostDialled(false, first, count));
+    const int resultOfTen = CallLog_SuperSearchRecentOutCall(&ten);
+    ExpectPage(resultOfTen, ten, model_.MostDialled(true, first, count));
+  }
+
+  void Redial() {
+    model_.usable.clear();
+    for (const char* name : {"anna", "quiet"}) {
+      Account* const account = desktop->accounts.Find(name);
+      account->usable = OneIn(2);
+      if (account->usable) model_.usable[name] = account->id;
+    }
+    desktop->talk = Talk();
+    Controller().RedialNumberByClickAction(Action(2));
+    const std::string number = model_.LastNumber(true);
+    ASSERT_EQ(desktop->talk.call.has_value(), !number.empty());
+    if (number.empty()) return;
+    const auto contact = kContacts.find(number);
+    EXPECT_EQ(desktop->talk.call->number, number);
+    EXPECT_EQ(desktop->talk.call->name, contact != kContacts.end() ? contact->second : number);
+    EXPECT_EQ(desktop->talk.call->accountId, model_.RedialAccount());
+  }
+
+  void OpenList(int view) {
+    CallLogSimpleListData page;
+    page.request_index = RandomRow(view);
+    page.request_count = Below(9);
+    const bool refused = view > 4 || page.request_index < 0 || page.request_count < 1;
+    ASSERT_EQ(Controller().GetLogListByClickAction(&page, Action(view)), refused ? 0 : 1);
+    const auto calls = model_.View(view);
+    const auto first = static_cast<std::size_t>(page.request_index);
+    const auto count = static_cast<std::size_t>(page.request_count);
+    const bool any = !refused && first < calls.size();
+    ASSERT_EQ(page.items.size(), any ? std::min(count, calls.size() - first) : 0);
+    if (refused) return;
+    EXPECT_EQ(page.total, static_cast<int>(calls.size()));
+    std::size_t row = first;
+    for (const CallLogSimpleData& item : page.items) {
+      const PlainCall& call = *calls[row++];
+      EXPECT_EQ(item.display_name, call.Name());
+      EXPECT_EQ(item.time_text, Setting_CallLogTime2String(call.born_tick, " "));
+      EXPECT_EQ(item.type, call.type);
+    }
+    model_.See(view);
+  }
+
+  // One random event; what it was.
+  std::string Event() {
+    if (OneIn(stepsBetweenRestarts_)) return Restart(), "power cycle";
+    // At times nobody looks at the phone, so that many callers gather.
+    const bool attended = step_ / 500 % 2 == 0;
+    const int view = Below(6);
+    const int chance = Below(1060);
+    if (chance < 640) {
+      const CallLogAddItemData call = RandomCall();
+      ++calls_;
+      EXPECT_EQ(CallLog_AddLog(call), model_.Add(call));
+      return "call";
+    }
+    if (chance < 720) return Update(), "update";
+    if (chance < 790) {
+      const int row = RandomRow(view);
+      EXPECT_EQ(Controller().RemoveLog(Action(view), row), model_.Remove(view, {row}));
+      return "remove";
+    }
+    if (chance < 820) return RemoveSeveral(), "remove several";
+    if (chance < 822) {
+      EXPECT_EQ(Controller().RemoveAllLogsByClickAction(Action(view)), 1);
+      model_.RemoveAll(view);
+      return "remove all";
+    }
+    if (chance < 862) {
+      const std::string number = RandomNumber();
+      const bool missed = OneIn(2);
+      (missed ? RemoveMissedDirtyByNumber : RemoveForwardDirtyByNumber)(number.c_str());
+      model_.See(missed ? 2 : 4, number);
+      return "deal with a number";
+    }
+    if (chance < 872) return ReadNotifyLists(), "read notify lists";
+    if (chance < 920) return OpenList(attended || view % 2 == 1 ? view : 3), "open a list";
+    if (chance < 985) {
+      const Milliseconds span(Below(OneIn(25) ? 7000 : 90));
+      desktop->Advance(span);
+      model_.Wait(span);
+      return "wait";
+    }
+    if (chance < 990) {
+      EXPECT_EQ(Controller().SaveToFile(), model_.Save());
+      return "save";
+    }
+    if (chance < 1015) return TypeKeys(), "search";
+    if (chance < 1030) return ReadMostDialled(), "most dialled";
+    if (chance < 1040) return Redial(), "redial";
+    if (chance < 1049) return UpdateNames(), "refresh names";
+    if (chance < 1050) {
+      EXPECT_EQ(CallLog_ResetLogContactName(), 1);
+      model_.ForgetNames();
+      return "forget names";
+    }
+    model_.saving = !OneIn(8);
+    desktop->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
+    return "switch";
+  }
+
+  std::mt19937 random_;
+  unsigned int seed_ = 0;
+  int step_ = 0;
+  int calls_ = 0;
+  int stepsBetweenRestarts_ = 1;
+  bool restarted_ = false;     // by the event of this step
+  std::vector<Letter> typed_;  // a text of which some letters are typed
+  std::size_t typedCount_ = 0;
+};
+
+}  // namespace desk

@@ -1,0 +1,405 @@
+// The call history as one would explain it on paper: plain vectors, counted anew whenever somebody
+// asks, and the bytes of its file. It shares no code with the module; ModelDriver drives both.
+#pragma once
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "CallLogRecords.h"
+#include "desktop/platform/Clock.h"
+#include "desktop/platform/Display.h"
+
+namespace desk {
+
+// A character of a text and its code, or a byte that belongs to none with a negative one.
+using Letter = std::pair<std::string, int>;
+
+inline std::vector<Letter> Letters(const std::string& text) {
+  std::vector<Letter> letters;
+  for (std::size_t at = 0; at < text.size(); at += letters.back().first.size()) {
+    utf8proc_int32_t code = 0;
+    const auto* rest = reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at);
+    const utf8proc_ssize_t found =
+        utf8proc_iterate(rest, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
+    letters.emplace_back(text.substr(at, found > 0 ? static_cast<std::size_t>(found) : 1), code);
+  }
+  return letters;
+}
+
+// What the history file keeps of a string.
+inline std::string KeptText(const std::string& string) {
+  std::string text;
+  for (const auto& [bytes, c] : Letters(string.c_str())) {
+    const bool forbidden =
+        (c < ' ' && c != '\t' && c != '\n' && c != '\r') || c == 0xFFFE || c == 0xFFFF;
+    text += forbidden ? "\uFFFD" : bytes;
+  }
+  return text;
+}
+
+// How names and keys are compared. It knows the accented letters of ModelDriver's names only.
+inline std::string Folded(const std::string& text) {
+  std::string folded;
+  for (const auto& [bytes, c] : Letters(text)) {
+    switch (c) {
+      case 0xE9:
+      case 0xEB: folded += 'e'; break;
+      case 0x141: folded += 'l'; break;
+      default: folded += c >= 'A' && c <= 'Z' ? std::string(1, static_cast<char>(c + 32)) : bytes;
+    }
+  }
+  return folded;
+}
+
+inline std::string KeysOf(const std::string& name) {
+  std::string keys;
+  for (const char c : Folded(name)) {
+    if (c >= 'a' && c <= 'z') keys += "22233344455566677778889999"[c - 'a'];
+    if ((c >= '0' && c <= '9') || c == '*' || c == '#' || c == '+') keys += c;
+  }
+  return keys;
+}
+
+// Whether `text` begins with a folded key; half a letter is none.
+inline bool Begins(const std::string& text, const std::string& key) {
+  const std::vector<Letter> letters = Letters(Folded(text));
+  const std::vector<Letter> typed = Letters(key);
+  return typed.size() <= letters.size() && std::equal(typed.begin(), typed.end(), letters.begin());
+}
+
+// A call as it is stored: `remote_display_name` and `forward_display_name` are the names shown.
+struct PlainCall : CallLogAddItemData {
+  bool isNew = false;
+  std::string keys{};  // the first name on the key pad
+
+  bool IsIn(int view) const { return view == 0 || view == type; }
+  const std::string& Name() const {
+    return remote_display_name.empty() ? remote_sip_name : remote_display_name;
+  }
+  const std::string& Target() const {
+    return forward_display_name.empty() ? forward_sip_name : forward_display_name;
+  }
+};
+
+using PlainCalls = std::vector<PlainCall>;
+
+template <class Matches>
+int EraseIf(PlainCalls* calls, Matches matches) {
+  const auto end = std::remove_if(calls->begin(), calls->end(), matches);
+  const auto erased = static_cast<int>(calls->end() - end);
+  calls->erase(end, calls->end());
+  return erased;
+}
+
+// "name, number" rows, and how many the whole list has.
+using PlainPage = std::pair<std::vector<std::string>, int>;
+
+// The rows of a list on one page; nothing when the page is refused.
+inline std::optional<PlainPage> PageOf(const PlainCalls& calls, int first, int count) {
+  if (first < 0 || count < 1) return std::nullopt;
+  PlainPage page;
+  auto& [rows, total] = page;
+  for (const PlainCall& call : calls) {
+    const bool wanted = total >= first && total - first < count;
+    if (wanted) rows.push_back(call.Name() + ", " + call.remote_sip_name);
+    ++total;
+  }
+  return page;
+}
+
+inline std::string FileAttribute(const std::string& name, const std::string& string) {
+  const char quote = string.find('"') == std::string::npos ? '"' : '\'';
+  std::string text = " " + name + "=" + quote;
+  for (const char c : string) {
+    switch (c) {
+      case '&': text += "&amp;"; break;
+      case '<': text += "&lt;"; break;
+      case '>': text += "&gt;"; break;
+      case '\'': text += quote == '\'' ? "&apos;" : "'"; break;
+      default: text += c;
+    }
+  }
+  return text + quote;
+}
+
+// The history file of calls whose strings are kept texts already.
+inline std::string FileText(const PlainCalls& calls) {
+  std::string text = "<?xml version='1.0' encoding='utf-8' ?>\n";
+  if (calls.empty()) return text + "<root_call_log/>\n\n";
+  text += "<root_call_log>\n";
+  for (const PlainCall& call : calls) {
+    const std::pair<const char*, std::string> attributes[] = {
+        {"type", std::to_string(call.type)},
+        {"born_tick", std::to_string(call.born_tick)},
+        {"local_sip_name", call.local_sip_name},
+        {"local_sip_server", call.local_sip_server},
+        {"remote_display_name", call.remote_display_name},
+        {"remote_sip_name", call.remote_sip_name},
+        {"remote_sip_server", call.remote_sip_server},
+        {"duration", std::to_string(call.duration)}};
+    text += "\t<item";
+    for (const auto& [name, value] : attributes) text += FileAttribute(name, value);
+    text += "/>\n";
+  }
+  return text + "</root_call_log>\n\n";
+}
+
+class PlainModel {
+ public:
+  std::map<std::string, std::string> contacts;  // names by number
+  std::set<std::string> withoutMissed;          // full names of accounts that keep no missed calls
+  std::map<std::string, int> usable;            // accounts that can call: ids by SIP name
+  bool saving = true;                           // the user wants a history
+
+  // What the phone does, as the controller's operations of these names.
+
+  int Add(const CallLogAddItemData& call) {
+    if (!saving || call.type < 1 || call.type > 4) return -1;
+    const std::string account = call.local_sip_name + "@" + call.local_sip_server;
+    if (call.type == 2 && withoutMissed.count(account) > 0) return -1;
+    PlainCall stored{call, true};
+    stored.remote_display_name = NameOf(call.remote_sip_name, call.remote_display_name);
+    stored.forward_display_name = NameOf(call.forward_sip_name, call.forward_display_name);
+    stored.keys = KeysOf(stored.remote_display_name);
+
+    const auto sameType = View(call.type);
+    if (sameType.size() == 100) calls_.erase(calls_.begin() + (sameType.back() - calls_.data()));
+    const auto older = [](int time, const PlainCall& other) { return time > other.born_tick; };
+    calls_.insert(std::upper_bound(calls_.begin(), calls_.end(), call.born_tick, older), stored);
+    Change();
+    return 0;
+  }
+
+  void Update(const CallLogUpdateData& contact) {
+    std::set<std::string> numbers = {contact.number_1, contact.number_2, contact.number_3};
+    numbers.erase("");
+    for (PlainCall& call : calls_) {
+      const auto rename = [&](const std::string& number, std::string* name) {
+        const bool found = numbers.count(number) > 0;
+        if (found) *name = contact.display_name.empty() ? number : contact.display_name;
+        return found;
+      };
+      if (rename(call.remote_sip_name, &call.remote_display_name)) Change();
+      if (call.type == 4) rename(call.forward_sip_name, &call.forward_display_name);
+    }
+  }
+
+  void UpdateNames(const std::list<SuperSearchItemData>& names) {
+    for (PlainCall& call : calls_) {
+      for (const SuperSearchItemData& entry : names) {
+        const bool caller = call.remote_sip_name == entry.number;
+        const bool target = call.forward_sip_name == entry.number;
+        if (caller) call.remote_display_name = entry.display_name;
+        if (target) call.forward_display_name = entry.display_name;
+        if (caller || target) Change();
+      }
+    }
+  }
+
+  void ForgetNames() {
+    for (PlainCall& call : calls_) {
+      call.remote_display_name = call.remote_sip_name;
+      if (call.type == 4) call.forward_display_name = call.forward_sip_name;
+      Change();
+    }
+  }
+
+  // The hits stay as they were found until the history changes or another key comes.
+  std::optional<PlainPage> Search(const std::string& typed, int first, int count) {
+    const std::string key = Folded(typed);
+    if (key.empty()) held_.reset();
+    if (key.empty()) return std::nullopt;
+    const bool number = (key[0] >= '0' && key[0] <= '9') || key[0] == '*' || key[0] == '#';
+    const auto differs = [&](const PlainCall& call) {
+      if (!number) return !Begins(call.remote_display_name, key);
+      return !Begins(call.remote_sip_name, key) && !Begins(call.keys, key);
+    };
+    if (!held_ || key.compare(0, held_->first.size(), held_->first) != 0) {
+      held_ = {key, {}};
+      for (const PlainCall& call : calls_) {
+        if (!differs(call)) AddHit(call);
+      }
+    } else if (key != held_->first && PageOf({}, first, count)) {
+      EraseIf(&held_->second, differs);
+      held_->first = key;
+    }
+    return PageOf(held_->second, first, count);
+  }
+
+  // How many calls there were in these rows.
+  int Remove(int view, const std::set<int>& rows) {
+    int row = 0;
+    const auto chosen = [&](const auto& call) { return call.IsIn(view) && rows.count(row++) > 0; };
+    const int removed = EraseIf(&calls_, chosen);
+    if (removed > 0) Change();
+    return removed;
+  }
+
+  void RemoveAll(int view) {
+    EraseIf(&calls_, [view](const PlainCall& call) { return call.IsIn(view); });
+    Change();
+  }
+
+  // The user opens a list, or deals with a number in it.
+  void See(int view, const std::optional<std::string>& number = std::nullopt) {
+    for (PlainCall& call : calls_) {
+      if (call.IsIn(view) && number.value_or(call.remote_sip_name) == call.remote_sip_name) {
+        call.isNew = false;
+      }
+    }
+  }
+
+  int Save() {
+    if (!saveAt_) return 0;
+    saved_ = calls_;
+    for (PlainCall& call : saved_) call = Kept(call);
+    file_ = FileText(saved_);
+    saveAt_.reset();
+    return 1;
+  }
+
+  void Wait(Milliseconds span) {
+    now_ += span;
+    if (saveAt_ && *saveAt_ <= now_) Save();
+  }
+
+  void PowerCycle() {
+    calls_ = saved_;
+    saveAt_.reset();
+    held_.reset();
+  }
+
+  // What can be seen from outside.
+
+  const std::string& File() const { return file_; }
+  const std::optional<Milliseconds>& SaveAt() const { return saveAt_; }
+
+  std::vector<const PlainCall*> View(int view) const {
+    std::vector<const PlainCall*> calls;
+    for (const PlainCall& call : calls_) {
+      if (call.IsIn(view)) calls.push_back(&call);
+    }
+    return calls;
+  }
+
+  Display Shown() const {
+    const auto count = [this](int type) {
+      const auto isNew = [type](const PlainCall& call) { return call.isNew && call.type == type; };
+      return std::count_if(calls_.begin(), calls_.end(), isNew);
+    };
+    Display display;
+    if (count(2) > 0) display = {{{12, std::to_string(count(2)) + " Missed"}}, {9}, {5}, {}};
+    if (count(4) > 0) {
+      display.statuses[15] = std::to_string(count(4)) + " Forwarded";
+      display.ledEvents.insert(10);
+    }
+    return display;
+  }
+
+  // The callers of the new calls of a type: name, number and target of the newest call in one text,
+  // and the number of calls.
+  std::vector<std::pair<std::string, int>> NewCallers(int type) const {
+    std::vector<std::pair<std::string, int>> rows;
+    std::map<std::string, std::size_t> rowOf;
+    for (const PlainCall& call : calls_) {
+      if (!call.isNew || call.type != type) continue;
+      if (rowOf.count(call.Name()) == 0) {
+        if (rows.size() == 21) continue;
+        rowOf[call.Name()] = rows.size();
+        std::string row = call.Name() + ", " + call.remote_sip_name;
+        if (type == 4) row += ", " + call.Target();
+        rows.emplace_back(row, 0);
+      }
+      ++rows[rowOf[call.Name()]].second;
+    }
+    return rows;
+  }
+
+  // The numbers dialled; the list of the first ten is never cut short.
+  std::optional<PlainPage> MostDialled(bool firstTen, int first, int count) const {
+    std::map<std::string, int> times;
+    PlainCalls numbers;
+    for (const PlainCall* call : View(1)) {
+      if (++times[call->remote_sip_name] == 1) numbers.push_back(*call);
+    }
+    std::stable_sort(numbers.begin(), numbers.end(), [&](const auto& a, const auto& b) {
+      return times[a.remote_sip_name] > times[b.remote_sip_name];
+    });
+    if (firstTen) numbers.resize(std::min<std::size_t>(numbers.size(), 10));
+    return PageOf(numbers, first, firstTen && count > 0 ? 10 : count);
+  }
+
+  // The account that the next redial goes through.
+  int RedialAccount() const {
+    for (const PlainCall* call : View(1)) {
+      const auto account = usable.find(call->local_sip_name);
+      if (account != usable.end()) return account->second;
+    }
+    return -1;
+  }
+
+  std::string LastNumber(bool outgoing) const {
+    for (const PlainCall& call : calls_) {
+      if ((call.type == 1) == outgoing) return call.remote_sip_name;
+    }
+    return "";
+  }
+
+ private:
+  std::string NameOf(const std::string& number, const std::string& given) const {
+    const auto contact = contacts.find(number);
+    if (contact != contacts.end()) return contact->second;
+    return given.empty() ? number : given;
+  }
+
+  // In front of the first hit that is greater by name, then number; nowhere when one is equal. A
+  // hit without a name is compared by its number alone.
+  void AddHit(const PlainCall& call) {
+    PlainCalls& hits = held_->second;
+    for (auto hit = hits.begin(); hit != hits.end(); ++hit) {
+      const bool sameName =
+          hit->remote_display_name.empty() || hit->remote_display_name == call.remote_display_name;
+      if (sameName && hit->remote_sip_name == call.remote_sip_name) return;
+      if (sameName ? hit->remote_sip_name > call.remote_sip_name
+                   : hit->remote_display_name > call.remote_display_name) {
+        hits.insert(hit, call);
+        return;
+      }
+    }
+    hits.push_back(call);
+  }
+
+  void Change() {
+    held_.reset();
+    if (!saveAt_) saveAt_ = now_ + Milliseconds(5000);
+  }
+
+  static PlainCall Kept(PlainCall call) {
+    call.isNew = false;
+    call.forward_sip_name = call.forward_sip_server = call.forward_display_name = "";
+    for (const auto text :
+         {&PlainCall::local_sip_name, &PlainCall::local_sip_server, &PlainCall::remote_sip_name,
+          &PlainCall::remote_sip_server, &PlainCall::remote_display_name}) {
+      call.*text = KeptText(call.*text);
+    }
+    call.keys = KeysOf(call.remote_display_name);
+    return call;
+  }
+
+  PlainCalls calls_;  // newest first
+  PlainCalls saved_;  // what the file holds
+  std::string file_;  // and its bytes; empty: no file yet
+  Milliseconds now_{0};
+  std::optional<Milliseconds> saveAt_;                      // set: changes wait for this moment
+  std::optional<std::pair<std::string, PlainCalls>> held_;  // the last key and its hits
+};
+
+}  // namespace desk
