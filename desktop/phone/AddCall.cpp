@@ -2,13 +2,13 @@
 #include "desktop/phone/AddCall.h"
 
 #include "CallLog.h"
-#include "desktop/platform/Desktop.h"
+#include "desktop/platform/Platform.h"
 #include "desktop/platform/Text.h"
 #include "platform/ConfigParser.h"
 
 namespace desk {
 
-std::string AddCall(Desktop& platform, const CallLogAddItemData& call) {
+std::string AddCall(Platform& platform, const CallLogAddItemData& call) {
   constexpr int kMissed = 2;
   if (CallLog_AddLog(call) == 0) return {};
   if (configParser_GetConfigInt("HistorySavedSwitch") != 1) {

@@ -7,9 +7,9 @@
 
 namespace desk {
 
-class Desktop;
+class Platform;
 
 // Empty when the module has stored the call; otherwise why it refused it, in a few words.
-std::string AddCall(Desktop& platform, const CallLogAddItemData& call);
+std::string AddCall(Platform& platform, const CallLogAddItemData& call);
 
 }  // namespace desk

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "desktop/phone/RootDirectory.h"
-#include "desktop/platform/Desktop.h"
+#include "desktop/platform/Platform.h"
 #include "desktop/server/LogServer.h"
 #include "guard/HistoryGuard.h"
 
@@ -45,7 +45,7 @@ class Phone {
   void ReportChanges();
   bool HasChanges() const;
 
-  Desktop& platform() { return platform_; }
+  Platform& platform() { return platform_; }
   LogServer* logServer() { return logServer_.get(); }  // null when none was started
   std::ostream& out() { return out_; }
   std::filesystem::path HistoryFile() const;
@@ -68,7 +68,7 @@ class Phone {
   RootDirectory root_;
   std::unique_ptr<LogServer> logServer_;
   std::ostream& out_;
-  Desktop platform_;
+  Platform platform_;
   HistoryGuard guard_;
   std::vector<std::string> guardNotes_;  // what the guard did and nobody has been told
   Display shown_;

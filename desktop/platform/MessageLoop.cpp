@@ -11,9 +11,7 @@
 #include <system_error>
 #include <utility>
 
-#include "desktop/platform/Desktop.h"
 #include "desktop/platform/Journal.h"
-#include "desktop/platform/Quietly.h"
 #include "desktop/platform/Text.h"
 
 namespace desk {
@@ -133,31 +131,3 @@ std::vector<Message> MessageLoop::TakeAppMessages() {
 }
 
 }  // namespace desk
-
-void ETL_MsgQueueHelper::msgObject::ReplyMessage(int result) {
-  desk::Quietly([&] { desk::Desktop::Current().loop.Reply(*this, result); });
-}
-
-bool EtlMsgHandler_RegisterMsgHandle(unsigned int first, unsigned int last, EtlMsgHandle handle) {
-  return desk::Desktop::Current().loop.Register(first, last, handle);
-}
-
-bool EtlMsgHandler_UnregisterMsgHandle(unsigned int first, unsigned int last, EtlMsgHandle handle) {
-  return desk::Desktop::Current().loop.Unregister(first, last, handle);
-}
-
-bool EtlMsgHandler_NotifyApp(bool /*sync*/, unsigned int message, unsigned int wParam, int lParam) {
-  desk::Desktop::Current().loop.NotifyApp({message, wParam, lParam, {}});
-  return true;
-}
-
-bool EtlMsgHandler_NotifyAppEx(bool /*sync*/, unsigned int message, unsigned int wParam, int lParam,
-                               int extraSize, const void* extra) {
-  if (extraSize < 0 || (extraSize > 0 && extra == nullptr)) return false;
-  std::string copy;
-  if (extraSize > 0) {
-    copy.assign(static_cast<const char*>(extra), static_cast<std::size_t>(extraSize));
-  }
-  desk::Desktop::Current().loop.NotifyApp({message, wParam, lParam, std::move(copy)});
-  return true;
-}

@@ -3,12 +3,9 @@
 
 #include <algorithm>
 
-#include "desktop/platform/Desktop.h"
 #include "desktop/platform/Journal.h"
 #include "desktop/platform/MessageLoop.h"
-#include "desktop/platform/Quietly.h"
 #include "desktop/platform/Text.h"
-#include "platform/ThreadTimer.h"
 
 namespace desk {
 namespace {
@@ -48,16 +45,3 @@ void ThreadTimers::FireDue() {
 }
 
 }  // namespace desk
-
-bool timerSetThreadTimer(unsigned int id, unsigned int milliseconds) {
-  bool started = false;
-  desk::Quietly(
-      [&] { started = desk::Desktop::Current().timers.Set(id, desk::Milliseconds(milliseconds)); });
-  return started;
-}
-
-bool timerKillThreadTimer(unsigned int id) {
-  bool killed = false;
-  desk::Quietly([&] { killed = desk::Desktop::Current().timers.Kill(id); });
-  return killed;
-}

@@ -1,11 +1,8 @@
 // One line per call, with credentials masked, to the journal and, by level, out of the process.
 #include "desktop/platform/Trace.h"
 
-#include "desktop/platform/Desktop.h"
 #include "desktop/platform/Journal.h"
-#include "desktop/platform/Quietly.h"
 #include "desktop/platform/Text.h"
-#include "platform/EtlTrace.h"
 
 namespace desk {
 
@@ -25,11 +22,3 @@ bool Trace::SetFile(const std::filesystem::path& file) {
 }
 
 }  // namespace desk
-
-void ETL_TraceHelper::etlTrace(int level, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  desk::Quietly(
-      [&] { desk::Desktop::Current().trace.Write(level, desk::FormatV(format, arguments)); });
-  va_end(arguments);
-}

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "CallLog.h"
-#include "desktop/platform/Desktop.h"
+#include "desktop/platform/Platform.h"
 #include "guard/HistoryGuard.h"
 
 namespace {
@@ -74,12 +74,12 @@ int main(int argc, char** argv) {
   std::filesystem::current_path(words[0]);
   desk::Profile profile;
   profile.config = {{"HistorySavedSwitch", 1}};
-  desk::Desktop desktop(profile, std::make_unique<desk::ManualClock>(kNow));
+  desk::Platform platform(profile, std::make_unique<desk::ManualClock>(kNow));
   desk::HistoryGuard guard("./config/data/call_data.xml");
 
   if (given("guard")) std::printf("%s; ", desk::Describe(guard.Start(StartModule)));
   std::printf("%zu calls at the start", Calls().size());
-  desktop.loop.SetObserver([&](const desk::Message&, int result) {
+  platform.loop.SetObserver([&](const desk::Message&, int result) {
     std::printf("; saved %d", result);
     if (result == 1 && given("guard")) std::printf("; %s", desk::Describe(guard.AfterSave()));
   });
@@ -88,7 +88,7 @@ int main(int argc, char** argv) {
     const int number = std::stoi(*(word("add") + 1));
     Add(2, number, kNow + number, given("long") ? std::string(8192, 'x') : "New");
   }
-  desktop.Advance(desk::Milliseconds(5000));
+  platform.Advance(desk::Milliseconds(5000));
   std::printf("\n");
   if (given("list")) PrintCalls();
   CCallLogController::ReleaseInstance();

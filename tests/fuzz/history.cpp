@@ -18,7 +18,7 @@ bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 class HistoryPhone : public FuzzPhone {
  public:
   void Start() {
-    desktop->journal.Clear();
+    platform->journal.Clear();
     PowerCycle();
     // What makes the history one to be saved: removing the records of a type that no view shows.
     Controller().RemoveAllLogsByClickAction(Action(7777777));

@@ -44,14 +44,14 @@ class ServerPhone : public FuzzPhone {
 
   // The entries of a document; false when it cannot be loaded.
   bool Load(const std::string& document, Entries* entries) {
-    desktop->journal.Clear();
+    platform->journal.Clear();
     WriteFile("tmp/BroadSoftCallLog.xml", document);
     CallLogSimpleListData page;
     page.request_count = 1'000'000;
     const int started = Lists().GetLogListByClickAction(&page, kAction, "", true);
     EXPECT_EQ(started, NS_CALLLOG::BS_LIST_DOWNLOADING);
     transfer.callback->OnTaskActionCallback(&transfer);
-    if (desktop->loop.TakeAppMessages().at(0).lParam != 0) return false;
+    if (platform->loop.TakeAppMessages().at(0).lParam != 0) return false;
     EXPECT_EQ(Lists().GetLogListByClickAction(&page, kAction, "", false), NS_CALLLOG::BS_LIST_OK);
     EXPECT_EQ(page.total, static_cast<int>(page.items.size()));
     CallLogDetailData detail;

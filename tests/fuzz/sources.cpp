@@ -30,7 +30,7 @@ void FuzzOne(const std::string& input) {
     Sources().SetConfigDataByIndex(0, BroadSoftConfigItem(*Sources().GetConfigDataByIndex(0)));
     return ReadFile(file);
   };
-  phone.desktop->journal.Clear();
+  phone.platform->journal.Clear();
   WriteFile(file, input);
   CBSCallLogController::ReleaseInstance();
   const bool loaded = Sources().ReloadBSCallLogConfig();

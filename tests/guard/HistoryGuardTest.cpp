@@ -94,7 +94,7 @@ class HistoryGuardTest : public PhoneTest {
   // The power is cut, and a new process starts.
   Outcome Start(const HistoryGuard::ModuleStart& startModule = StartModule) {
     CCallLogController::ReleaseInstance();
-    desktop->PowerCycle();
+    platform->PowerCycle();
     guard.emplace(HistoryFile());
     return guard->Start(startModule);
   }

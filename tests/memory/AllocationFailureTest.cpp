@@ -365,18 +365,18 @@ bool hasFailed = false;
 
 TEST_F(ServerAllocationFailureTest, AConfigurationMessageIsAnsweredAllTheSame) {
   // Around the module's handler, for the desktop's own sending needs memory, too.
-  desktop->loop.Register(0x10007, 0x10007, [](ETL_MsgQueueHelper::msgObject&) {
+  platform->loop.Register(0x10007, 0x10007, [](ETL_MsgQueueHelper::msgObject&) {
     BeginShortage(failing, Shortage::kOnce);
     return 0;
   });
   CallLog_RegisterMessage();
-  desktop->loop.Register(0x10007, 0x10007, [](ETL_MsgQueueHelper::msgObject&) {
+  platform->loop.Register(0x10007, 0x10007, [](ETL_MsgQueueHelper::msgObject&) {
     hasFailed = EndShortage();
     return 0;
   });
   do {
     ++failing;
-    EXPECT_EQ(desktop->loop.Send({0x10007, 0x28, 0, {}}), 1) << failing;
+    EXPECT_EQ(platform->loop.Send({0x10007, 0x28, 0, {}}), 1) << failing;
   } while (hasFailed);
   EXPECT_GT(failing, 1);
 }
@@ -391,7 +391,7 @@ TEST_F(ServerAllocationFailureTest, AListIsFetchedOrCanBeAskedForAgain) {
   int stuck = 0;  // lists that still count as being fetched when nothing is under way any more
   const auto expectFetched = [&] {
     Settle();
-    if (Ask(0) == BS_LIST_DOWNLOADING && desktop->transfers.Running() == 0) ++stuck;
+    if (Ask(0) == BS_LIST_DOWNLOADING && platform->transfers.Running() == 0) ++stuck;
     Settle();
     if (Ask(0) != BS_LIST_OK) {
       EXPECT_EQ(Ask(0, "", true), BS_LIST_DOWNLOADING);
@@ -421,10 +421,10 @@ TEST_F(ServerAllocationFailureTest, AListIsFetchedOrCanBeAskedForAgain) {
            [&](bool filled, bool /*failed*/) { EXPECT_EQ(detail.number.empty(), !filled); });
   const auto arrive = [&] {
     EXPECT_EQ(Ask(0, "", true), BS_LIST_DOWNLOADING);
-    desktop->loop.WaitForPost(std::chrono::seconds(60));
+    platform->loop.WaitForPost(std::chrono::seconds(60));
   };
   const auto deliver = [&] {
-    desktop->RunDue();
+    platform->RunDue();
     return 0;
   };
   const auto checkFetched = [&](int /*answer*/, bool /*failed*/) { expectFetched(); };

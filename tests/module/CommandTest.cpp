@@ -42,14 +42,14 @@ class CommandTest : public PhoneTest {
   // Broadcasts a changed item; the reply stands in the journal.
   Texts JournalOf(unsigned int item, unsigned int message = kConfigChange) {
     TakeJournal({""});
-    desktop->loop.Send({message, item, 0, {}});
+    platform->loop.Send({message, item, 0, {}});
     return TakeJournal({""});
   }
 };
 
 TEST_F(CommandTest, RedialCallsTheLastNumberThroughAnAccountThatCan) {
-  desktop->accounts = Accounts({{7, "anna", "a.example"}, {9, "bob", "b.example"}});
-  desktop->contacts.Add({"Zoe", {"100"}, ""});
+  platform->accounts = Accounts({{7, "anna", "a.example"}, {9, "bob", "b.example"}});
+  platform->contacts.Add({"Zoe", {"100"}, ""});
   struct Call {
     int type;
     const char *number, *account;
@@ -79,9 +79,9 @@ TEST_F(CommandTest, RedialCallsTheLastNumberThroughAnAccountThatCan) {
       CallLog_AddLog(call);
     }
     for (const char* account : {"anna", "bob"}) {
-      desktop->accounts.Find(account)->usable = std::string(account) != row.unusable;
+      platform->accounts.Find(account)->usable = std::string(account) != row.unusable;
     }
-    desktop->talk = Talk();
+    platform->talk = Talk();
     TakeJournal({""});
     Controller().RedialNumberByClickAction(row.action);
     const std::string dialled = row.journal;
@@ -96,7 +96,7 @@ TEST_F(CommandTest, TalkLogicAndDirectoryAreAskedAndTheirAnswersPassedOn) {
   EXPECT_EQ(TakeJournal({"call-out", "dial-screen"}),
             (Texts{"call-out 100 Zoe account -1", "call-out 200  account -1",
                    "dial-screen 300 account -1 editable 1"}));
-  desktop->contacts.Add({"Zoe", {"101"}, ""});
+  platform->contacts.Add({"Zoe", {"101"}, ""});
   ContactGeneralItemData contact;
   EXPECT_FALSE(Controller().GetContactDataByNumber(&contact, "10"));
   EXPECT_TRUE(Controller().GetContactDataByNumber(&contact, "101"));
@@ -177,14 +177,14 @@ TEST_F(CommandTest, AChangeOfTheSourcesIsTakenOverAndAnswered) {
   EXPECT_EQ(JournalOf(0x28), expected("Office"));
   WriteFile(sources, "nothing that can be loaded");
   EXPECT_EQ(JournalOf(0x28), expected("Office"));
-  desktop->hasMenu = false;
+  platform->hasMenu = false;
   EXPECT_EQ(JournalOf(0x28), expected(""));
 }
 
 TEST_F(CommandTest, OtherItemsAreNotAnsweredAndRemoveNothing) {
   CallLog_RegisterMessage();
   std::vector<int> results;
-  desktop->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
+  platform->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
   for (const unsigned int item : {0u, 0x27u, 0x29u, 0x46u, 0x48u}) {
     EXPECT_EQ(JournalOf(item), Texts());
   }

@@ -69,17 +69,17 @@ TEST_F(ControllerTest, WhatNeedsNoControllerCreatesNone) {
 TEST_F(ControllerTest, TheHandlerTakesTheSaveTimersMessageOnly) {
   Add(1, "100");
   std::vector<int> results;
-  desktop->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
+  platform->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
   for (const unsigned int message : {kTimerMessage - 1, kTimerMessage + 1}) {
-    desktop->loop.Send({message, kSaveTimer, 0, {}});  // does not reach the handler
+    platform->loop.Send({message, kSaveTimer, 0, {}});  // does not reach the handler
     EXPECT_EQ(Handle(message, kSaveTimer), 0);
   }
-  desktop->timers.Set(kSaveTimer - 1, Milliseconds(1000));  // neighbours'
-  desktop->timers.Set(kSaveTimer + 1, Milliseconds(2000));
-  desktop->Advance(Milliseconds(4999));
+  platform->timers.Set(kSaveTimer - 1, Milliseconds(1000));  // neighbours'
+  platform->timers.Set(kSaveTimer + 1, Milliseconds(2000));
+  platform->Advance(Milliseconds(4999));
   EXPECT_EQ(results, (std::vector<int>{0, 0}));
-  desktop->Advance(Milliseconds(1));
-  desktop->loop.Send({kTimerMessage, kSaveTimer, 0, {}});  // nothing is left to save
+  platform->Advance(Milliseconds(1));
+  platform->loop.Send({kTimerMessage, kSaveTimer, 0, {}});  // nothing is left to save
   EXPECT_EQ(results, (std::vector<int>{0, 0, 1, 0}));
 }
 
@@ -94,7 +94,7 @@ TEST_F(ControllerTest, AReleaseForgetsWhatWasNotSavedAndWhatWasNew) {
   WaitForSave();  // the timer of the lost change finds nothing to save
   EXPECT_EQ(TakeJournal({""}), kRegister);
   for (const int type : {4, 2}) Add(type, "added");
-  EXPECT_EQ(desktop->display.statuses[12] + desktop->display.statuses[15], "1 Missed1 Forwarded");
+  EXPECT_EQ(platform->display.statuses[12] + platform->display.statuses[15], "1 Missed1 Forwarded");
   MissedNotifyListData list;
   Controller().GetMissedNotifyList(&list);
   EXPECT_EQ(list.items.size(), 1u);

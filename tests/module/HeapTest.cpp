@@ -17,7 +17,7 @@ constexpr std::size_t kBeside = 4 * 1024;  // controller, model, search
 class HeapTest : public PhoneTest {
  protected:
   void FillHistory() {
-    desktop->journal.Clear();
+    platform->journal.Clear();
     for (int i = 0; i < kRecords; ++i) {
       CallLogAddItemData call = MakeCall(1 + i % 4, "+49301234" + std::to_string(1000 + i));
       call.local_sip_name = "anna";

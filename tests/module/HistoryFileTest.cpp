@@ -113,17 +113,17 @@ TEST_F(HistoryFileTest, IsWrittenOnceFiveSecondsAfterTheFirstChange) {
     fs::remove(HistoryFile());
     Add(1, "10");
     for (const char* number : {"11", "12", "13"}) {
-      desktop->Advance(Milliseconds(1000));
+      platform->Advance(Milliseconds(1000));
       Add(2, number);
     }
     EXPECT_EQ(TakeSaveEvents(), start);
-    desktop->Advance(Milliseconds(1999));
+    platform->Advance(Milliseconds(1999));
     EXPECT_FALSE(fs::exists(HistoryFile()));
     EXPECT_EQ(TakeSaveEvents(), Lines());
-    desktop->Advance(Milliseconds(1));
+    platform->Advance(Milliseconds(1));
     EXPECT_TRUE(fs::exists(HistoryFile()));
     EXPECT_EQ(TakeSaveEvents(), save);
-    desktop->Advance(Milliseconds(60000));
+    platform->Advance(Milliseconds(60000));
     EXPECT_EQ(TakeSaveEvents(), Lines());
   }
   Add(1, "14");
@@ -132,14 +132,14 @@ TEST_F(HistoryFileTest, IsWrittenOnceFiveSecondsAfterTheFirstChange) {
   EXPECT_EQ(TakeSaveEvents(), save);
   fs::remove(HistoryFile());
   EXPECT_EQ(Controller().SaveToFile(), 0);
-  desktop->Advance(Milliseconds(60000));
+  platform->Advance(Milliseconds(60000));
   EXPECT_FALSE(fs::exists(HistoryFile()));
   EXPECT_EQ(TakeSaveEvents(), Lines());
 
   Add(1, "15");
   PowerCycle();
   EXPECT_EQ(Size(), 0) << "nothing saves on the way out";
-  EXPECT_EQ(desktop->timers.NextDue(), std::nullopt) << "reading the file is no change";
+  EXPECT_EQ(platform->timers.NextDue(), std::nullopt) << "reading the file is no change";
 }
 
 TEST_F(HistoryFileTest, ThatTheDiskRefusesCountsAsSavedUntilTheNextChange) {
@@ -408,7 +408,7 @@ TEST_F(HistoryFileTest, HasTheStructureThatWasChecked) {
 // A call's time ends there, the phone and its file system go on.
 TEST_F(HistoryFileTest, OutlivesTheYear2038) {
   const std::time_t now = std::time_t{INT_MAX} + 60;
-  desktop->manualClock()->SetWall(now);
+  platform->manualClock()->SetWall(now);
   for (const int time : {0, INT_MAX - 1, -1, INT_MAX, INT_MIN}) Add(1, std::to_string(time), time);
   EXPECT_EQ(Controller().SaveToFile(), 1);
   const timespec stamps[] = {{now, 0}, {now, 0}};

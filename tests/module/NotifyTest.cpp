@@ -80,7 +80,7 @@ class NotifyTest : public PhoneTest {
 };
 
 TEST_F(NotifyTest, ACallIsTracedStoredAndShown) {
-  desktop->contacts.Add({"Zoe", {"100"}, ""});
+  platform->contacts.Add({"Zoe", {"100"}, ""});
   const auto add = [](int type) {
     return [type] {
       CallLogAddItemData call = MakeCall(type, "200");

@@ -13,12 +13,12 @@ namespace {
 
 class ReentryTest : public PhoneTest {
  protected:
-  ~ReentryTest() override { desktop->onDisplayChange = nullptr; }
+  ~ReentryTest() override { platform->onDisplayChange = nullptr; }
 
   // Runs `service` inside the first event of what follows.
   void Once(std::function<void()> service) {
-    desktop->onDisplayChange = [this, service = std::move(service)] {
-      const auto inside = std::exchange(desktop->onDisplayChange, nullptr);
+    platform->onDisplayChange = [this, service = std::move(service)] {
+      const auto inside = std::exchange(platform->onDisplayChange, nullptr);
       service();
     };
   }
@@ -52,7 +52,7 @@ TEST_F(ReentryTest, WhatIsRemovedIsGoneForWhoeverIsTold) {
       EXPECT_EQ(Found("10"), std::vector<std::string>({"1001"}));
     });
     remove();
-    EXPECT_FALSE(desktop->onDisplayChange);
+    EXPECT_FALSE(platform->onDisplayChange);
     EXPECT_EQ(Found("10"), std::vector<std::string>({"1001"}));
   }
 }
@@ -79,7 +79,7 @@ class RandomReentryTest : public ReentryTest {
   void Begin(unsigned int seed) {
     random.seed(seed);
     for (int i = 0; i < 400; ++i) Add(1 + i % 4, Number(), kNow + Below(50));
-    desktop->onDisplayChange = [this] {
+    platform->onDisplayChange = [this] {
       if (depth_ == 2 || Below(2) != 0) return;
       ++depth_;
       Operate();
@@ -158,7 +158,7 @@ class RandomReentryTest : public ReentryTest {
     std::map<int, std::string> statuses;
     if (Sum(missed) > 0) statuses[12] = std::to_string(Sum(missed)) + " Missed";
     if (Sum(forwarded) > 0) statuses[15] = std::to_string(Sum(forwarded)) + " Forwarded";
-    EXPECT_EQ(desktop->display.statuses, statuses);
+    EXPECT_EQ(platform->display.statuses, statuses);
   }
   // The lists without being told of as seen: the details in order.
   static std::vector<std::string> Calls(int type) {
@@ -199,7 +199,7 @@ TEST_F(RandomReentryTest, LeavesNothingBroken) {
       if (step % 50 == 0) CheckAll();
     }
     CheckAll();
-    desktop->onDisplayChange = nullptr;
+    platform->onDisplayChange = nullptr;
     const std::vector<std::string> before = Calls(0);
     Controller().SaveToFile();
     PowerCycle();

@@ -63,7 +63,7 @@ TEST_F(ServerConfigTest, ReadsWhatAHandWrote) {
                                 "|||||", "|||||", "Last|||||"}));
   EXPECT_EQ(CallLog_GetBSCallLogDisplayName(), "Server & Logs");
   for (const int value : {0, 2, 1}) {
-    desktop->config["BDDirectoryShowSwitch"] = value;
+    platform->config["BDDirectoryShowSwitch"] = value;
     ExpectConfigured(value == 1);
   }
   WriteFile(file(), Xml("", {R"(server="h")"}));  // and no display name

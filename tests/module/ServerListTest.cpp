@@ -81,7 +81,7 @@ TEST_F(ServerListTest, Failures) {
       {"open CDATA", serve("<![CDATA[" + Document(Entry("3")))},
       {"no root", serve("<?xml version='1.0'?>\n<!-- nothing -->"), {}},
       {"HTML page", misbehave({Kind::kPage, 0, {}}), {}, BS_LIST_DOWNLOADING, "0 ", false},
-      {"no network", [&] { desktop->networkUp = false; }, {"1", "2"}, BS_LIST_NO_NETWORK, ""},
+      {"no network", [&] { platform->networkUp = false; }, {"1", "2"}, BS_LIST_NO_NETWORK, ""},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.what);
@@ -96,7 +96,7 @@ TEST_F(ServerListTest, Failures) {
     EXPECT_EQ(Numbers(), row.readable);
 
     server.Misbehave("/Missed", {});
-    desktop->networkUp = true;
+    platform->networkUp = true;
     fs::create_directories(local.parent_path());
     fs::remove_all(local);
     Serve("Missed", Document(Entry("3")));
@@ -202,11 +202,11 @@ TEST_F(ServerListTest, TheEndOfTheControllerEndsItsTransfers) {
     const int before = server.Requests("/Missed");
     EXPECT_EQ(Ask(0), BS_LIST_DOWNLOADING);
     EXPECT_TRUE(server.WaitForRequests("/Missed", before + 1));
-    EXPECT_EQ(desktop->loop.WaitForPost(std::chrono::seconds(ended ? 20 : 0)), ended);
+    EXPECT_EQ(platform->loop.WaitForPost(std::chrono::seconds(ended ? 20 : 0)), ended);
     CBSCallLogController::ReleaseInstance();
-    EXPECT_EQ(desktop->transfers.Running(), 0u);
+    EXPECT_EQ(platform->transfers.Running(), 0u);
     server.Misbehave("/Missed", {});
-    desktop->RunDue();
+    platform->RunDue();
     EXPECT_TRUE(Numbers().empty());
     EXPECT_EQ(Fetch(0), Strings{"0 " + Url("/Missed")});
     EXPECT_EQ(Ask(0), BS_LIST_OK);
@@ -258,7 +258,7 @@ TEST_F(ServerListTest, ReadsDocumentsOfAllKinds) {
        {"A|||"}},
   };
   SetSource(0, "/Missed");
-  desktop->config["BSCallLogAddCountryCode"] = 1;
+  platform->config["BSCallLogAddCountryCode"] = 1;
   for (const auto& [document, entries] : kRows) {
     SCOPED_TRACE(document);
     Serve("Missed", document);
@@ -343,13 +343,13 @@ TEST_F(ServerListTest, TheListAskedForLastIsTheCurrentOne) {
     EXPECT_EQ(Logs().GetLogListByClickAction(nullptr, action, "q", true), BS_LIST_INVALID);
     EXPECT_EQ(Numbers(), Strings{"1"});
   }
-  desktop->networkUp = false;
+  platform->networkUp = false;
   EXPECT_EQ(Ask(1), BS_LIST_NO_NETWORK);
   EXPECT_TRUE(Numbers().empty());
   EXPECT_FALSE(Logs().CancelDownload());
   EXPECT_EQ(Ask(0), BS_LIST_NO_NETWORK);
   EXPECT_EQ(Numbers(), Strings{"1"});
-  desktop->networkUp = true;
+  platform->networkUp = true;
 
   // Another URL, another list; the one of before stays, also across a reload.
   SetSource(0, "/Placed");

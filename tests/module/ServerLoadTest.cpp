@@ -56,7 +56,7 @@ TEST_F(ServerLoadTest, FiftyTransfersAtOnce) {
       server.Misbehave(path, {Kind::kHold, 0, {}});
       EXPECT_EQ(Ask(select(list), "", list == 0), BS_LIST_DOWNLOADING);
     }
-    EXPECT_EQ(desktop->transfers.Running(), static_cast<std::size_t>(kLists));
+    EXPECT_EQ(platform->transfers.Running(), static_cast<std::size_t>(kLists));
     Strings expected;
     for (int list = 0; list < kLists; ++list) {
       const std::string name = std::to_string(list);
@@ -76,14 +76,14 @@ TEST_F(ServerLoadTest, FiftyTransfersAtOnce) {
       const std::string& outcome = expected[static_cast<std::size_t>(list)];
       EXPECT_TRUE(std::binary_search(told.begin(), told.end(), outcome)) << outcome;
       const bool loaded = outcome.front() == '0';
-      desktop->networkUp = loaded;  // a failed one must not be fetched again
+      platform->networkUp = loaded;  // a failed one must not be fetched again
       EXPECT_EQ(Ask(select(list)), loaded ? BS_LIST_OK : BS_LIST_NO_NETWORK);
       EXPECT_EQ(Numbers(), loaded ? entries(round, list) : Strings{});
     }
     EXPECT_EQ(told.size(), expected.size());
-    desktop->networkUp = true;
+    platform->networkUp = true;
     ExpectNothingLeft();
-    desktop->journal.Clear();
+    platform->journal.Clear();
     page.Reset();
     EXPECT_EQ(Ask(kSources + 1, "", true), BS_LIST_NOT_CONFIGURED);
     if (round == 1) before = HeapInUse();

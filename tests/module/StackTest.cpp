@@ -44,7 +44,7 @@ class StackTest : public ServerTest {
   static constexpr char kNumber[] = "1001";
 
   StackTest() {
-    desktop->config["HistorySavedSwitch"] = 1;
+    platform->config["HistorySavedSwitch"] = 1;
     for (int type = 1; type <= 4; ++type) {
       for (int i = 0; i < 100; ++i) Add(type, std::to_string(1000 + i), kNow - i);
     }
@@ -114,7 +114,7 @@ TEST_F(StackTest, TheHistory) {
 
 TEST_F(StackTest, TheServerLists) {
   CallLog_RegisterMessage();
-  const auto change = [this](unsigned int item) { desktop->loop.Send({0x10007, item, 0, {}}); };
+  const auto change = [this](unsigned int item) { platform->loop.Send({0x10007, item, 0, {}}); };
 
   CBSCallLogController::ReleaseInstance();
   Expect("GetInstance, loads the sources", [] { CBSCallLogController::GetInstance(); });

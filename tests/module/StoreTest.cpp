@@ -42,8 +42,8 @@ TEST_F(StoreTest, OnlyWantedCallsAreStored) {
   for (const Row& row : rows) {
     SCOPED_TRACE(&row - rows);
     RemoveEverything();
-    desktop->config["HistorySavedSwitch"] = row.historySaved;
-    desktop->accounts.Find("anna")->keeps_missed = row.keepsMissed != 0;
+    platform->config["HistorySavedSwitch"] = row.historySaved;
+    platform->accounts.Find("anna")->keeps_missed = row.keepsMissed != 0;
     CallLogAddItemData call = MakeCall(row.type, "100");
     call.local_sip_server = row.server;
     TakeJournal({""});
@@ -54,7 +54,7 @@ TEST_F(StoreTest, OnlyWantedCallsAreStored) {
 }
 
 TEST_F(StoreTest, AContactsNameGoesBeforeTheCallsNameAndThatBeforeTheNumber) {
-  desktop->contacts.Add({"Zoe", {"100"}, ""});
+  platform->contacts.Add({"Zoe", {"100"}, ""});
   struct Party {
     const char *number, *name, *shown;
   };

@@ -72,7 +72,7 @@ TEST_F(ViewTest, NoActionOrNoRecordToFillDoesNothing) {
 TEST_F(ViewTest, RowAndDetailShowTheFieldsOfTheirCall) {
   WriteFile(HistoryFile(),
             "<root_call_log><item type=\"2\" remote_sip_name=\"300\"/></root_call_log>");
-  desktop->contacts.Add({"Zoe", {"100"}, "/photos/zoe.png"});
+  platform->contacts.Add({"Zoe", {"100"}, "/photos/zoe.png"});
   CallLogAddItemData call = MakeCall(4, "100", kNow - 86400);
   call.forward_sip_name = call.forward_sip_server = call.forward_display_name = "forward";
   ASSERT_EQ(CallLog_AddLog(call), 0);

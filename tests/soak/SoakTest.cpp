@@ -41,7 +41,7 @@ struct Memory {
 
 class SoakTest : public ServerTest, public ModelDriver {
  protected:
-  SoakTest() { desktop->trace.SetLevel(0); }
+  SoakTest() { platform->trace.SetLevel(0); }
 
   void Run() {
     constexpr int kFirst = 1000;
@@ -79,10 +79,10 @@ class SoakTest : public ServerTest, public ModelDriver {
     source = MakeSource("127.0.0.1" + path, std::to_string(server.port()), kUser, kPassword);
     if (OneIn(2)) source.name = "Office";
     Logs().SetConfigDataByIndex(index, source);
-    desktop->config["BDDirectoryShowSwitch"] = Below(2);
+    platform->config["BDDirectoryShowSwitch"] = Below(2);
     if (OneIn(4)) {
-      EXPECT_EQ(desktop->loop.Send({0x10007, 0x28, 0, {}}), 1);
-      const auto told = desktop->loop.TakeAppMessages();
+      EXPECT_EQ(platform->loop.Send({0x10007, 0x28, 0, {}}), 1);
+      const auto told = platform->loop.TakeAppMessages();
       ASSERT_EQ(told.size(), 1u);
       EXPECT_EQ(told.front().message, 0x914u);
     }
@@ -99,7 +99,7 @@ class SoakTest : public ServerTest, public ModelDriver {
       EXPECT_EQ(source->password, sources_[i].password);
       any = any || !source->name.empty();
     }
-    const bool shown = any && desktop->config["BDDirectoryShowSwitch"] == 1;
+    const bool shown = any && platform->config["BDDirectoryShowSwitch"] == 1;
     EXPECT_EQ(CallLog_IsBroadSoftCallLogConfigured(), shown ? 1 : 0);
   }
 
@@ -129,11 +129,11 @@ class SoakTest : public ServerTest, public ModelDriver {
     const Strings numbers = ServeOther(path, fails);
     const bool refresh = OneIn(4);
     if (refresh) lists_.clear();
-    desktop->networkUp = !OneIn(10);
+    platform->networkUp = !OneIn(10);
     const int result = Ask(index, query, refresh);
-    if (!desktop->networkUp) {
+    if (!platform->networkUp) {
       EXPECT_EQ(result, BS_LIST_NO_NETWORK);
-      desktop->networkUp = true;
+      platform->networkUp = true;
     } else if (lists_.count(url) > 0) {
       EXPECT_EQ(result, BS_LIST_OK);
       EXPECT_EQ(page.items.size(), lists_[url].size());
@@ -156,7 +156,7 @@ class SoakTest : public ServerTest, public ModelDriver {
     EXPECT_EQ(Controller().SaveToFile(), model_.Save());
     EXPECT_EQ(Ask(-1, "", true), BS_LIST_NOT_CONFIGURED);
     lists_.clear();
-    desktop->journal.Clear();
+    platform->journal.Clear();
     model_ = PlainModel(model_);  // without the room that it needed for more calls
   }
 

@@ -25,9 +25,10 @@ inline std::string DurationText(int seconds) {
 class ModelDriver : public virtual PhoneTest {
  protected:
   ModelDriver() {
-    desktop->accounts = Accounts({{1, "anna", "sip.example.org"}, {2, "quiet", "sip.example.org"}});
-    desktop->accounts.Find("quiet")->keeps_missed = false;
-    for (const auto& [number, name] : kContacts) desktop->contacts.Add({name, {number}, {}});
+    platform->accounts =
+        Accounts({{1, "anna", "sip.example.org"}, {2, "quiet", "sip.example.org"}});
+    platform->accounts.Find("quiet")->keeps_missed = false;
+    for (const auto& [number, name] : kContacts) platform->contacts.Add({name, {number}, {}});
   }
 
   // A phone without a history, and the events of this seed. The power fails every so many events.
@@ -41,8 +42,8 @@ class ModelDriver : public virtual PhoneTest {
     model_ = PlainModel();
     model_.contacts = kContacts;
     model_.withoutMissed = {"quiet@sip.example.org"};
-    model_.Wait(desktop->clock().Monotonic());
-    desktop->config["HistorySavedSwitch"] = 1;
+    model_.Wait(platform->clock().Monotonic());
+    platform->config["HistorySavedSwitch"] = 1;
   }
 
   // One event, after which the module and the model are compared: every so often, and after each
@@ -110,9 +111,9 @@ class ModelDriver : public virtual PhoneTest {
 
   void CheckCheapThings() {
     Display shown = model_.Shown();
-    shown.menuTitles = desktop->display.menuTitles;  // no call changes them
-    EXPECT_TRUE(desktop->display == shown);
-    EXPECT_EQ(desktop->timers.NextDue(), model_.SaveAt());
+    shown.menuTitles = platform->display.menuTitles;  // no call changes them
+    EXPECT_TRUE(platform->display == shown);
+    EXPECT_EQ(platform->timers.NextDue(), model_.SaveAt());
     EXPECT_EQ(CallLog_GetLastOutCall(), model_.LastNumber(true));
     EXPECT_EQ(CallLog_GetLastNewInCall(), model_.LastNumber(false));
     const int view = Below(6);
@@ -256,19 +257,19 @@ class ModelDriver : public virtual PhoneTest {
   void Redial() {
     model_.usable.clear();
     for (const char* name : {"anna", "quiet"}) {
-      Account* const account = desktop->accounts.Find(name);
+      Account* const account = platform->accounts.Find(name);
       account->usable = OneIn(2);
       if (account->usable) model_.usable[name] = account->id;
     }
-    desktop->talk = Talk();
+    platform->talk = Talk();
     Controller().RedialNumberByClickAction(Action(2));
     const std::string number = model_.LastNumber(true);
-    ASSERT_EQ(desktop->talk.call.has_value(), !number.empty());
+    ASSERT_EQ(platform->talk.call.has_value(), !number.empty());
     if (number.empty()) return;
     const auto contact = kContacts.find(number);
-    EXPECT_EQ(desktop->talk.call->number, number);
-    EXPECT_EQ(desktop->talk.call->name, contact != kContacts.end() ? contact->second : number);
-    EXPECT_EQ(desktop->talk.call->accountId, model_.RedialAccount());
+    EXPECT_EQ(platform->talk.call->number, number);
+    EXPECT_EQ(platform->talk.call->name, contact != kContacts.end() ? contact->second : number);
+    EXPECT_EQ(platform->talk.call->accountId, model_.RedialAccount());
   }
 
   void OpenList(int view) {
@@ -330,7 +331,7 @@ class ModelDriver : public virtual PhoneTest {
     if (chance < 920) return OpenList(attended || view % 2 == 1 ? view : 3), "open a list";
     if (chance < 985) {
       const Milliseconds span(Below(OneIn(25) ? 7000 : 90));
-      desktop->Advance(span);
+      platform->Advance(span);
       model_.Wait(span);
       return "wait";
     }
@@ -348,7 +349,7 @@ class ModelDriver : public virtual PhoneTest {
       return "forget names";
     }
     model_.saving = !OneIn(8);
-    desktop->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
+    platform->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
     return "switch";
   }
 

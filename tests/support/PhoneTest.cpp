@@ -51,12 +51,12 @@ PhoneTest::PhoneTest() : startedIn_(std::filesystem::current_path()) {
   Profile profile;
   profile.config = {{"HistorySavedSwitch", 1}};
   profile.accounts = {Account(7, "anna", "sip.example.org")};
-  desktop = std::make_unique<Desktop>(profile, std::make_unique<ManualClock>(kNow));
+  platform = std::make_unique<Platform>(profile, std::make_unique<ManualClock>(kNow));
 }
 
 PhoneTest::~PhoneTest() {
   CCallLogController::ReleaseInstance();
-  desktop.reset();
+  platform.reset();
   std::filesystem::current_path(startedIn_);
 }
 
@@ -64,11 +64,11 @@ CCallLogController& PhoneTest::Controller() { return *CCallLogController::GetIns
 
 void PhoneTest::PowerCycle() {
   CCallLogController::ReleaseInstance();
-  desktop->PowerCycle();
+  platform->PowerCycle();
   CCallLogController::GetInstance();
 }
 
-void PhoneTest::WaitForSave() { desktop->Advance(Milliseconds(5000)); }
+void PhoneTest::WaitForSave() { platform->Advance(Milliseconds(5000)); }
 
 CallLogAddItemData PhoneTest::MakeCall(int type, const std::string& number, int time) {
   CallLogAddItemData call;
@@ -114,8 +114,8 @@ int PhoneTest::Size() {
 }
 
 std::vector<std::string> PhoneTest::TakeJournal(const std::vector<std::string>& prefixes) {
-  std::vector<std::string> lines = desktop->journal.LinesOf(prefixes);
-  desktop->journal.Clear();
+  std::vector<std::string> lines = platform->journal.LinesOf(prefixes);
+  platform->journal.Clear();
   return lines;
 }
 

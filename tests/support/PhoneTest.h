@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "CallLog.h"
-#include "desktop/platform/Desktop.h"
+#include "desktop/platform/Platform.h"
 
 namespace desk {
 
@@ -66,7 +66,7 @@ class PhoneTest : public testing::Test {
   std::filesystem::path HistoryFile() const { return root.path() / "config/data/call_data.xml"; }
 
   TemporaryDirectory root;
-  std::unique_ptr<Desktop> desktop;
+  std::unique_ptr<Platform> platform;
 
  private:
   std::filesystem::path startedIn_;

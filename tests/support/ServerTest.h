@@ -31,13 +31,13 @@ class ServerTest : public virtual PhoneTest {
   void Boot(const TransferLimits& limits) {
     ExpectNothingLeft();
     NS_CALLLOG::CBSCallLogController::ReleaseInstance();
-    desktop.reset();
+    platform.reset();
     Profile profile;
     profile.config = {{"BDDirectoryShowSwitch", 1}};
     profile.limits = limits;
-    desktop = std::make_unique<Desktop>(profile, std::make_unique<ManualClock>(kNow));
-    desktop->trace.SetFile(root.path() / "trace.log");
-    desktop->trace.SetLevel(3);
+    platform = std::make_unique<Platform>(profile, std::make_unique<ManualClock>(kNow));
+    platform->trace.SetFile(root.path() / "trace.log");
+    platform->trace.SetLevel(3);
   }
 
   void ExpectNothingLeft() {
@@ -45,12 +45,12 @@ class ServerTest : public virtual PhoneTest {
     for (const auto& entry : std::filesystem::directory_iterator(root.path() / "tmp")) {
       EXPECT_EQ(entry.path().filename(), "BroadSoftCallLog.xml");
     }
-    if (desktop == nullptr) return;
-    EXPECT_EQ(desktop->transfers.Running(), 0u);
+    if (platform == nullptr) return;
+    EXPECT_EQ(platform->transfers.Running(), 0u);
     for (unsigned int id = 0; id < kMoreThanEver; ++id) {
-      EXPECT_EQ(desktop->transfers.FindEnded(id), nullptr) << id;
+      EXPECT_EQ(platform->transfers.FindEnded(id), nullptr) << id;
     }
-    Strings output = desktop->journal.Lines();
+    Strings output = platform->journal.Lines();
     output.push_back(ReadFile(root.path() / "trace.log"));
     for (const std::string& text : output) EXPECT_EQ(text.find("secret"), text.npos) << text;
   }
@@ -108,12 +108,12 @@ class ServerTest : public virtual PhoneTest {
   // as "LPARAM URL".
   Strings Settle(std::size_t running = 0) {
     constexpr auto kTooLong = std::chrono::seconds(60);
-    while (desktop->transfers.Running() > running && desktop->loop.WaitForPost(kTooLong)) {
-      desktop->RunDue();
+    while (platform->transfers.Running() > running && platform->loop.WaitForPost(kTooLong)) {
+      platform->RunDue();
     }
-    EXPECT_EQ(desktop->transfers.Running(), running);
+    EXPECT_EQ(platform->transfers.Running(), running);
     Strings told;
-    for (const Message& message : desktop->loop.TakeAppMessages()) {
+    for (const Message& message : platform->loop.TakeAppMessages()) {
       EXPECT_EQ(message.message, 0x913u);
       EXPECT_EQ(message.wParam, 0u);
       const std::string url = CString(message.extra);

@@ -46,11 +46,11 @@ TEST_F(PlatformTest, HandlersAreFoundByRangeAndRemovedByRangeAndFunction) {
   EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(20, 30, Note));
   EXPECT_FALSE(EtlMsgHandler_UnregisterMsgHandle(20, 31, Note));
 
-  EXPECT_EQ(desktop->loop.Send({15, 1, -1, {}}), 5) << "the first reply counts";
+  EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), 5) << "the first reply counts";
   EXPECT_EQ(TakeHandled(), Lines{"leaves"}) << "one handler removed itself and the next";
-  EXPECT_EQ(desktop->loop.Send({15, 1, -1, {}}), std::nullopt);
-  desktop->loop.Send({30, 1, -1, {}});
-  desktop->loop.Send({31, 1, -1, {}});
+  EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), std::nullopt);
+  platform->loop.Send({30, 1, -1, {}});
+  platform->loop.Send({31, 1, -1, {}});
   EXPECT_EQ(TakeHandled(), Lines{"1e 1 -1"});
 }
 
@@ -60,13 +60,13 @@ TEST_F(PlatformTest, PostsOfAnyThreadAreDeliveredOnTheLoopsThread) {
   std::vector<std::thread> threads;
   for (unsigned int message = 1; message <= 4; ++message) {
     threads.emplace_back([&, message] {
-      for (unsigned int i = 0; i < kEach; ++i) desktop->loop.Post({message, i, 0, {}});
+      for (unsigned int i = 0; i < kEach; ++i) platform->loop.Post({message, i, 0, {}});
     });
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_TRUE(TakeHandled().empty());
-  EXPECT_TRUE(desktop->loop.WaitForPost(Milliseconds(0)));
-  EXPECT_EQ(desktop->loop.Deliver(), 4 * kEach);
+  EXPECT_TRUE(platform->loop.WaitForPost(Milliseconds(0)));
+  EXPECT_EQ(platform->loop.Deliver(), 4 * kEach);
   EXPECT_EQ(TakeHandled().size(), 4 * kEach);
 }
 
@@ -74,10 +74,10 @@ TEST_F(PlatformTest, OnlyTheNewestOfWhatNobodyTakesIsKept) {
   constexpr int kMessages = 1000;
   constexpr int kLines = static_cast<int>(Journal::kCapacity);
   for (int i = 0; i < kLines + kMessages; ++i) EtlMsgHandler_NotifyApp(false, 1, 0, i);
-  const std::vector<Message> told = desktop->loop.TakeAppMessages();
+  const std::vector<Message> told = platform->loop.TakeAppMessages();
   ASSERT_EQ(told.size(), std::size_t{kMessages});
   EXPECT_EQ(told.front().lParam, kLines);
-  const Lines lines = desktop->journal.Lines();
+  const Lines lines = platform->journal.Lines();
   ASSERT_EQ(lines.size(), std::size_t{kLines});
   EXPECT_EQ(lines.front(), Format("app 0x1 0 %d", kMessages));
 }
@@ -90,18 +90,18 @@ TEST_F(PlatformTest, TimersFireOnceInTheOrderOfTheirTimes) {
   timerSetThreadTimer(1, 50);  // starts anew
   EXPECT_TRUE(timerKillThreadTimer(3));
   EXPECT_FALSE(timerKillThreadTimer(3));
-  desktop->Advance(Milliseconds(99));
+  platform->Advance(Milliseconds(99));
   EXPECT_EQ(TakeHandled(), Lines{"8113 1 0"});
-  desktop->Advance(Milliseconds(1));
+  platform->Advance(Milliseconds(1));
   EXPECT_EQ(TakeHandled(), Lines{"8113 2 0"});
-  desktop->Advance(std::chrono::hours(24));
+  platform->Advance(std::chrono::hours(24));
   EXPECT_TRUE(TakeHandled().empty());
-  EXPECT_EQ(desktop->clock().Wall(), kNow + 24 * 3600);
+  EXPECT_EQ(platform->clock().Wall(), kNow + 24 * 3600);
 }
 
 TEST_F(PlatformTest, AFileOfTraceHoldsNeitherPasswordsNorControls) {
-  desktop->trace.SetLevel(2);
-  ASSERT_TRUE(desktop->trace.SetFile(root.path() / "trace"));
+  platform->trace.SetLevel(2);
+  ASSERT_TRUE(platform->trace.SetFile(root.path() / "trace"));
   const struct {
     int level;
     const char* text;

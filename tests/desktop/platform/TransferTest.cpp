@@ -241,7 +241,7 @@ TEST_F(TransferTest, EachCompletionFindsItsOwnDocument) {
   }
   EXPECT_TRUE(receiver.completions.empty());
   EXPECT_EQ(ReadFile(local()), kBefore);
-  EXPECT_EQ(desktop->transfers.Running(), 3u);
+  EXPECT_EQ(platform->transfers.Running(), 3u);
   Settle();
   ASSERT_EQ(receiver.completions.size(), 3u);
   for (const auto& completion : receiver.completions) {
@@ -281,10 +281,10 @@ TEST_F(TransferTest, ThePlatformStopsWhatRuns) {
     Start(Url("/Placed"), &receiver, true);
     ASSERT_TRUE(server.WaitForRequests("/Missed", before + 1));
     if (stops) {
-      desktop.reset();
+      platform.reset();
     } else {
-      desktop->PowerCycle();
-      desktop->RunDue();
+      platform->PowerCycle();
+      platform->RunDue();
     }
     TaskAction_DestroyNetworkFileAction(action);
   }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "desktop/platform/Accounts.h"
@@ -21,14 +22,14 @@
 
 namespace desk {
 
-class Desktop {
+class Platform {
  public:
-  Desktop(const Profile& profile, std::unique_ptr<Clock> clock);
-  ~Desktop();
-  Desktop(const Desktop&) = delete;
-  Desktop& operator=(const Desktop&) = delete;
+  Platform(const Profile& profile, std::unique_ptr<Clock> clock);
+  ~Platform();
+  Platform(const Platform&) = delete;
+  Platform& operator=(const Platform&) = delete;
 
-  static Desktop& Current();
+  static Platform& Current();
 
   // Fires the timers that are due and delivers what is posted, until there is nothing left to do
   // now.
@@ -41,6 +42,11 @@ class Desktop {
   // For a manual clock: moves it by `span`, stopping at each timer on the way, as if the phone had
   // been left alone for that long.
   void Advance(Milliseconds span);
+
+  // One of `lights`, which belong to the display, goes on or off.
+  void Switch(std::set<int>* lights, int light, bool on, const char* name);
+  // The display has changed: `line` for the journal says how.
+  void NoteDisplay(std::string line);
 
  private:
   const std::unique_ptr<Clock> clock_;

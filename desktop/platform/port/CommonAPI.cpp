@@ -1,16 +1,11 @@
-// The shared helpers of the UI process, the time texts and the key-pad form, over the text services
-// of this folder.
+// The shared helpers of the UI process, over the text services.
+#include "platform/CommonAPI.h"
+
 #include <climits>
 
 #include "desktop/platform/ClickAction.h"
-#include "desktop/platform/Desktop.h"
-#include "desktop/platform/KeyPad.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TextMatch.h"
-#include "desktop/platform/TimeText.h"
-#include "platform/CommonAPI.h"
-#include "platform/CommonUnits.h"
-#include "platform/SettingTime.h"
 
 int CommonAPI_ParseIdByClickAction(const std::string& action, const std::string& pattern) {
   return desk::ParseIdByClickAction(action, pattern);
@@ -44,14 +39,4 @@ int CommonAPI_StringCompare(const std::string& text, const std::string& key, int
   const bool begins =
       caseSensitive ? tail.substr(0, wanted.size()) == wanted : desk::BeginsWith(tail, wanted);
   return begins ? 0 : 1;
-}
-
-std::string CommonUnits_ToKeyString(const std::string& name) { return desk::ToKeyString(name); }
-
-std::string Setting_CallLogTime2String(long time, const std::string& separator) {
-  return desk::ListTimeText(time, desk::Desktop::Current().clock().Wall(), separator);
-}
-
-std::string Setting_Time2String(long time, const std::string& separator) {
-  return desk::FullTimeText(time, separator);
 }

@@ -1,19 +1,14 @@
-// The contact directory and the account manager, over the phone's contacts and accounts.
+// The contact directory over the phone's contacts.
 #include "platform/Directory.h"
 
-#include "desktop/platform/Desktop.h"
-#include "platform/AccountManager.h"
-
-using desk::Desktop;
+#include "desktop/platform/Platform.h"
 
 namespace {
 
 const desk::Contact* Find(const char* number) {
   if (number == nullptr || *number == '\0') return nullptr;
-  return Desktop::Current().contacts.FindByNumber(number);
+  return desk::Platform::Current().contacts.FindByNumber(number);
 }
-
-class DesktopAccountManager : public CAccountManager {};
 
 }  // namespace
 
@@ -34,17 +29,4 @@ bool Directory_GetContactDataByNumber(ContactGeneralItemData* data, const char* 
 std::string Directory_GetContactImageByNumber(const char* number, const char* fallback) {
   const desk::Contact* contact = Find(number);
   return contact != nullptr && !contact->photo.empty() ? contact->photo : fallback;
-}
-
-CAccountManager* CAccountManager::GetInstance() {
-  static DesktopAccountManager manager;
-  return &manager;
-}
-
-CAccount* CAccountManager::GetAccountByFullName(const std::string& fullName) {
-  return Desktop::Current().accounts.FindByFullName(fullName);
-}
-
-CAccount* CAccountManager::GetAccountBySIPName(const std::string& sipName) {
-  return Desktop::Current().accounts.FindBySipName(sipName);
 }

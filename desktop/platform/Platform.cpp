@@ -1,21 +1,19 @@
-// The one platform of the process, how time passes on it, and its smallest operations:
-// configuration values and network state.
-#include "desktop/platform/Desktop.h"
+// The one platform of the process, and how time passes on it.
+#include "desktop/platform/Platform.h"
 
 #include <cassert>
 #include <utility>
 
-#include "platform/ConfigParser.h"
-#include "platform/NetStatus.h"
+#include "desktop/platform/Text.h"
 
 namespace desk {
 namespace {
 
-Desktop* current = nullptr;
+Platform* current = nullptr;
 
 }  // namespace
 
-Desktop::Desktop(const Profile& profile, std::unique_ptr<Clock> clock)
+Platform::Platform(const Profile& profile, std::unique_ptr<Clock> clock)
     : clock_(std::move(clock)),
       accounts(profile.accounts),
       contacts(profile.contacts),
@@ -27,20 +25,20 @@ Desktop::Desktop(const Profile& profile, std::unique_ptr<Clock> clock)
   current = this;
 }
 
-Desktop::~Desktop() { current = nullptr; }
+Platform::~Platform() { current = nullptr; }
 
-Desktop& Desktop::Current() {
+Platform& Platform::Current() {
   assert(current != nullptr);
   return *current;
 }
 
-void Desktop::RunDue() {
+void Platform::RunDue() {
   do {
     timers.FireDue();
   } while (loop.Deliver() > 0);
 }
 
-void Desktop::PowerCycle() {
+void Platform::PowerCycle() {
   transfers.Clear();
   loop.Clear();
   timers.Clear();
@@ -49,7 +47,7 @@ void Desktop::PowerCycle() {
   journal.Add("power-cycle");
 }
 
-void Desktop::Advance(Milliseconds span) {
+void Platform::Advance(Milliseconds span) {
   ManualClock& time = *manualClock();
   const Milliseconds end = time.Monotonic() + span;
   RunDue();
@@ -60,17 +58,18 @@ void Desktop::Advance(Milliseconds span) {
   time.Advance(end - time.Monotonic());
 }
 
+void Platform::Switch(std::set<int>* lights, int light, bool on, const char* name) {
+  if (on) {
+    lights->insert(light);
+  } else {
+    lights->erase(light);
+  }
+  NoteDisplay(Format("%s %d %s", name, light, on ? "on" : "off"));
+}
+
+void Platform::NoteDisplay(std::string line) {
+  journal.Add(std::move(line));
+  if (onDisplayChange) onDisplayChange();
+}
+
 }  // namespace desk
-
-using desk::Desktop;
-
-int configParser_GetConfigInt(const char* key) {
-  const auto& config = Desktop::Current().config;
-  const auto found = key != nullptr ? config.find(key) : config.end();
-  return found != config.end() ? found->second : 0;
-}
-
-int netGetNetworkSta() {
-  constexpr int kAvailable = 2;
-  return Desktop::Current().networkUp ? kAvailable : 0;
-}

@@ -1,14 +1,12 @@
-// The file test and the XML helpers.
+// What an attribute or a text is, and what a number.
+#include "platform/TinyXmlHelper.h"
+
 #include <tinyxml.h>
 
 #include <charconv>
 #include <climits>
-#include <filesystem>
 #include <string_view>
 #include <system_error>
-
-#include "platform/EtlMisc.h"
-#include "platform/TinyXmlHelper.h"
 
 namespace {
 
@@ -26,11 +24,6 @@ bool ParseDecimal(std::string_view text, int* value) {
 }
 
 }  // namespace
-
-bool ETL_MiscHelper::pathFileExist(const char* path) {
-  std::error_code ignored;
-  return path != nullptr && std::filesystem::exists(path, ignored);
-}
 
 int TinyXml_GetIntAttr(TiXmlElement* element, const char* name, int fallback) {
   const char* text = element != nullptr ? element->Attribute(name) : nullptr;
