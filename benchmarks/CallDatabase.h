@@ -1,30 +1,30 @@
 // The contestant that one would take instead: the call history in SQLite, with the same answers as
-// the module's.
+// the module's. What fails throws: a contestant that does less than its work must not win.
 #pragma once
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <SQLiteCpp/VariadicBind.h>
 
 #include <list>
 #include <string>
 #include <vector>
 
 #include "CallLogRecords.h"
-#include "benchmarks/Data.h"
-#include "benchmarks/Sqlite.h"
+#include "benchmarks/Case.h"
 
 namespace bench {
 
-enum class Storage {
-  kMemory,
-  kWal,      // a file; write-ahead log, synchronous NORMAL
-  kJournal,  // a file; journal DELETE, synchronous FULL
-};
+// By the contestants' names: in memory; or in a file, whose changes survive a power cut.
+inline constexpr const char* kStorages[] = {kMemory, kFile};
 
-inline constexpr Storage kStorages[] = {Storage::kMemory, Storage::kWal, Storage::kJournal};
+// A list that is asked for pages.
+struct PagedQuery {
+  // `calls` is what stands behind FROM; its parameters begin with ?3.
+  PagedQuery(const SQLite::Database& database, const std::string& columns, const std::string& calls,
+             const std::string& order);
 
-const char* NameOf(Storage storage);  // of the contestant
-
-enum class Indexes {
-  kUsual,   // by type and time, and by time
-  kSearch,  // also by number, key-pad form and name, at the cost of every add
+  SQLite::Statement rows;  // ?1 of them at most, from ?2 on
+  SQLite::Statement total;
 };
 
 // All statements are prepared in the constructor; every change is one transaction. Texts of time
@@ -32,11 +32,9 @@ enum class Indexes {
 class CallDatabase {
  public:
   // Replaces what was there.
-  explicit CallDatabase(Storage storage, Indexes indexes = Indexes::kUsual);
+  CallDatabase(const std::string& storage, const std::vector<CallLogAddItemData>& calls);
 
   void Add(const CallLogAddItemData& call);
-  void AddAll(const std::vector<CallLogAddItemData>& calls);
-  void RemoveNewest(int type);
   void ReplaceAll(const std::vector<CallLogAddItemData>& calls);
   // Every call of a party's number gets the party's name.
   void Rename(const std::list<SuperSearchItemData>& parties);
@@ -47,16 +45,16 @@ class CallDatabase {
   void GetMostDialled(CallLogSearchListData* page);
   void GetMissed(MissedNotifyListData* list);
 
-  // Opens a file that is there, and reads all its calls, newest first.
-  static std::vector<CallLogAddItemData> ReadAll(Storage storage);
+  // Opens the file that is there, and reads all its calls, newest first.
+  static std::vector<CallLogAddItemData> ReadFile();
 
  private:
   void Insert(const CallLogAddItemData& call);
 
-  Connection connection_;
-  Statement begin_, commit_, insert_, removeBeyondCap_, removeNewest_, removeAll_, rename_;
-  Statement page_, total_, pageOfAll_, totalOfAll_, detail_;
-  Statement byNumber_, byNumberTotal_, byName_, byNameTotal_, dialled_, dialledTotal_, missed_;
+  SQLite::Database database_;
+  SQLite::Statement begin_, commit_, insert_, removeBeyondCap_, removeAll_, rename_;
+  PagedQuery ofType_, ofAll_, byNumber_, byName_, dialled_;
+  SQLite::Statement detail_, missed_;
 };
 
 }  // namespace bench

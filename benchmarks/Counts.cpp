@@ -10,15 +10,26 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-long allocations = 0;
-long allocatedBytes = 0;
+bool counting = false;
+bench::Counts counts;
 
 void Count(std::size_t size) {
-  ++allocations;
-  allocatedBytes += static_cast<long>(size);
+  if (!counting) return;
+  ++counts.allocations;
+  counts.bytes += static_cast<long>(size);
+}
+
+long WrittenByProcess() {
+  std::array<char, 512> text{};
+  const int io = open("/proc/self/io", O_RDONLY | O_CLOEXEC);
+  const bool known = io >= 0 && read(io, text.data(), text.size() - 1) > 0;
+  close(io);
+  const char* const written = known ? std::strstr(text.data(), "wchar: ") : nullptr;
+  return written != nullptr ? std::atol(written + 7) : 0;
 }
 
 }  // namespace
@@ -48,21 +59,21 @@ void* realloc(void* block, std::size_t size) {
 
 namespace bench {
 
-Counts CountsNow() {
-  Counts counts{allocations, allocatedBytes, 0};
-  std::array<char, 512> text{};
-  const int io = open("/proc/self/io", O_RDONLY | O_CLOEXEC);
-  const bool known = io >= 0 && read(io, text.data(), text.size() - 1) > 0;
-  close(io);
-  const char* const written = known ? std::strstr(text.data(), "wchar: ") : nullptr;
-  if (written != nullptr) counts.written = std::atol(written + 7);
-  return counts;
+void BeginCounting() {
+  counts.written -= WrittenByProcess();
+  counting = true;
+  CALLGRIND_TOGGLE_COLLECT;
 }
 
-void ForgetInstructions() { CALLGRIND_ZERO_STATS; }
+void EndCounting() {
+  CALLGRIND_TOGGLE_COLLECT;
+  counting = false;
+  counts.written += WrittenByProcess();
+}
 
-void ToggleInstructions() { CALLGRIND_TOGGLE_COLLECT; }
-
-void DumpInstructions(const std::string& name) { CALLGRIND_DUMP_STATS_AT(name.c_str()); }
+Counts TakeCounts(const std::string& name) {
+  CALLGRIND_DUMP_STATS_AT(name.c_str());
+  return std::exchange(counts, {});
+}
 
 }  // namespace bench

@@ -11,12 +11,12 @@ struct Counts {
   long written = 0;      // bytes handed to the kernel; a mapped file does not count
 };
 
-// Since the process began. Asking counts for nothing.
-Counts CountsNow();
+// What is done between the two is added to what was counted before.
+void BeginCounting();
+void EndCounting();
 
-// Callgrind's count, which begins switched off. Nothing happens outside valgrind.
-void ForgetInstructions();
-void ToggleInstructions();
-void DumpInstructions(const std::string& name);  // to a file of its own
+// What was counted since this was asked last. Under callgrind, which begins switched off, the
+// instructions go to a file of their own, under this name.
+Counts TakeCounts(const std::string& name);
 
 }  // namespace bench

@@ -7,16 +7,12 @@
 namespace bench {
 namespace {
 
-Connection Create() {
-  Connection connection(":memory:");
-  connection.Execute(
+SQLite::Database Create() {
+  SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
+  database.exec(
       "CREATE TABLE entries (position INTEGER PRIMARY KEY, name TEXT NOT NULL,"
       " number TEXT NOT NULL, time TEXT NOT NULL, country TEXT NOT NULL)");
-  return connection;
-}
-
-std::string ChildText(TiXmlElement* entry, const char* name) {
-  return TinyXml_GetElemText(entry->FirstChildElement(name), "");
+  return database;
 }
 
 // "2026-10-07T09:00:12.618Z" as "10-07-2026 09:00:12".
@@ -27,46 +23,43 @@ std::string DisplayTime(const std::string& time) {
 }  // namespace
 
 EntryDatabase::EntryDatabase()
-    : connection_(Create()),
-      insert_(connection_, "INSERT INTO entries VALUES (?,?,?,?,?)"),
-      page_(connection_,
-            "SELECT name, number, time FROM entries WHERE position >= ?1"
-            " ORDER BY position LIMIT ?2") {}
+    : database_(Create()),
+      insert_(database_, "INSERT INTO entries VALUES (?,?,?,?,?)"),
+      page_(database_,
+            "SELECT name, number, time FROM entries WHERE position >= ?"
+            " ORDER BY position LIMIT ?") {}
 
 void EntryDatabase::Load(const std::string& path) {
   TiXmlDocument document;
   document.LoadFile(path);
-  connection_.Execute("BEGIN");
+  SQLite::Transaction transaction(database_);
   for (TiXmlElement* entry = document.RootElement()->FirstChildElement("callLogsEntry");
        entry != nullptr; entry = entry->NextSiblingElement("callLogsEntry")) {
-    const std::string name = ChildText(entry, "name"), number = ChildText(entry, "phoneNumber"),
-                      time = DisplayTime(ChildText(entry, "time")),
-                      country = ChildText(entry, "countryCode");
-    insert_.Bind(1, count_++);
-    insert_.Bind(2, name);
-    insert_.Bind(3, number);
-    insert_.Bind(4, time);
-    insert_.Bind(5, country);
-    insert_.Run();
+    const auto text = [entry](const char* name) {
+      return TinyXml_GetElemText(entry->FirstChildElement(name), "");
+    };
+    SQLite::bind(insert_, count_++, text("name"), text("phoneNumber"), DisplayTime(text("time")),
+                 text("countryCode"));
+    insert_.exec();
+    insert_.reset();
   }
-  connection_.Execute("COMMIT");
+  transaction.commit();
 }
 
 void EntryDatabase::Clear() {
-  connection_.Execute("DELETE FROM entries");
+  database_.exec("DELETE FROM entries");
   count_ = 0;
 }
 
 void EntryDatabase::GetPage(CallLogSimpleListData* page) {
-  page_.Bind(1, page->request_index);
-  page_.Bind(2, page->request_count);
-  while (page_.Step()) {
+  SQLite::bind(page_, page->request_index, page->request_count);
+  while (page_.executeStep()) {
     CallLogSimpleData& row = page->items.emplace_back();
-    page_.Text(0, &row.display_name);
-    if (row.display_name.empty()) page_.Text(1, &row.display_name);
-    page_.Text(2, &row.time_text);
+    row.display_name = page_.getColumn(0).getString();
+    if (row.display_name.empty()) row.display_name = page_.getColumn(1).getString();
+    row.time_text = page_.getColumn(2).getString();
   }
-  page_.Reset();
+  page_.reset();
   page->total = count_;
 }
 

@@ -1,10 +1,12 @@
 // A server's call log in SQLite, in memory: what the module keeps of it.
 #pragma once
 
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <SQLiteCpp/VariadicBind.h>
+
 #include <string>
 
 #include "CallLogRecords.h"
-#include "benchmarks/Sqlite.h"
 
 namespace bench {
 
@@ -18,8 +20,8 @@ class EntryDatabase {
   void GetPage(CallLogSimpleListData* page);
 
  private:
-  Connection connection_;
-  Statement insert_, page_;
+  SQLite::Database database_;
+  SQLite::Statement insert_, page_;
   int count_ = 0;
 };
 

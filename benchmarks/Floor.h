@@ -1,8 +1,10 @@
-// What nothing of this kind can be much below: a walk over the calls, a parse, a write; and the
-// straightforward way to save, which the module's is compared with.
+// What nothing of this kind can be much below: a walk over the calls, a sort, a parse, a print, a
+// write; and the straightforward way to save, which the module's is compared with.
 #pragma once
 
 #include <list>
+#include <memory>
+#include <rapidxml/rapidxml.hpp>
 #include <string>
 #include <vector>
 
@@ -22,18 +24,24 @@ Records MakeRecords(const std::vector<CallLogAddItemData>& calls);
 // Number of the calls that are not newer than `time`: one comparison each.
 int Walk(const Records& records, int time);
 
-// Number of the calls whose number (when the key is one) or name begins with `key`: one comparison
-// of texts each.
-int WalkTexts(const Records& records, const std::string& key);
+// The calls whose name, or number or key-pad form when the key is a number, begins with `key`, by
+// name and number: the comparisons of texts that this takes, the platform's and std::string's.
+std::vector<const Record*> WalkAndSort(const Records& records, const std::string& key);
 
 // One open, write and close.
 void WriteBytes(const std::string& path, const std::string& bytes);
 
-// As TinyXML does it by default: from the file, or from a text in memory. False when it cannot.
+// As TinyXML does it by default. False when it cannot.
 bool ParseFile(const std::string& path);
-bool ParseText(const std::string& text);
 
-// The history file by RapidXml's tree, with a copy of each text, and its stream operator.
+// The history file as a tree of RapidXml, with a copy of each text.
+using Tree = rapidxml::xml_document<>;
+std::unique_ptr<Tree> MakeTree(const Records& records);
+
+// The tree by RapidXml's printer, into room for `size` bytes, and in one write.
+void PrintTree(const std::string& path, const Tree& tree, std::size_t size);
+
+// A tree, and its stream operator.
 void SaveByStream(const std::string& path, const Records& records);
 
 }  // namespace bench

@@ -3,7 +3,7 @@
 
 #include "benchmarks/CallDatabase.h"
 #include "benchmarks/Floor.h"
-#include "benchmarks/Reading.h"
+#include "benchmarks/Module.h"
 
 namespace bench {
 namespace {
@@ -30,107 +30,79 @@ class Feed {
   int time_;
 };
 
-std::shared_ptr<CallDatabase> Filled(Storage storage, const Calls& calls) {
-  auto database = std::make_shared<CallDatabase>(storage);
-  database->AddAll(calls);
-  return database;
-}
-
-std::string Rows(CallDatabase* database, int type, int count) {
+std::string Rows(CallDatabase* database) {
   CallLogSimpleListData page;
-  page.request_count = count;
-  database->GetPage(&page, type);
+  page.request_count = kCalls;
+  database->GetPage(&page, 0);
   return Text(page);
 }
 
 Operation Walking(const Calls& calls) {
-  const std::shared_ptr<Records> records = std::make_shared<Records>(MakeRecords(calls));
-  const int time = calls.empty() ? 0 : calls.front().born_tick;
-  Operation operation;
-  operation.run = [records, time] {
-    volatile int count = Walk(*records, time);
-    static_cast<void>(count);
-  };
-  return operation;
+  return {[records = MakeRecords(calls), time = calls.front().born_tick] {
+            volatile int count = Walk(records, time);
+            static_cast<void>(count);
+          },
+          {},
+          {}};
 }
 
 Operation AddingToModule() {
-  const auto feed = std::make_shared<Feed>(OfficeCalls(kCalls));
-  StartModule(OfficeCalls(kCalls));
-  Operation operation;
-  operation.run = [feed] { CallLog_AddLog(feed->Next()); };
-  operation.answer = [] { return ModuleRows(0, kCalls); };
-  return operation;
+  const Calls calls = OfficeCalls(kCalls);
+  StartModule(calls);
+  return {[feed = Feed(calls)]() mutable { CallLog_AddLog(feed.Next()); }, ModuleRows, {}};
 }
 
-Operation AddingTo(Storage storage) {
-  const auto feed = std::make_shared<Feed>(OfficeCalls(kCalls));
-  const auto database = Filled(storage, OfficeCalls(kCalls));
-  Operation operation;
-  operation.run = [feed, database] { database->Add(feed->Next()); };
-  operation.answer = [database] { return Rows(database.get(), 0, kCalls); };
-  return operation;
+Operation AddingTo(const char* storage) {
+  const Calls calls = OfficeCalls(kCalls);
+  const auto database = std::make_shared<CallDatabase>(storage, calls);
+  return {[feed = Feed(calls), database]() mutable { database->Add(feed.Next()); },
+          [database] { return Rows(database.get()); },
+          {}};
 }
 
 void AppendAdd(Cases* cases) {
   cases->push_back({"add", kModule, AddingToModule});
-  for (const Storage storage : kStorages) {
-    cases->push_back({"add", NameOf(storage), [storage] { return AddingTo(storage); }});
+  for (const char* const storage : kStorages) {
+    cases->push_back({"add", storage, [storage] { return AddingTo(storage); }});
   }
   cases->push_back({"add", kWalk, [] { return Walking(OfficeCalls(kCalls)); }});
 }
 
-// Below its capacity the history would grow: the call that was added goes again.
-void AppendAddTo(Cases* cases, int records) {
-  const std::string work = "records " + std::to_string(records) + " add";
+// The call that was added goes again: the history would grow.
+Operation AddingToRecords(int records) {
   const auto call = std::make_shared<CallLogAddItemData>(OfficeCalls(records + 1).back());
-  const bool full = records == kCalls;
-  const auto module = [call, records, full] {
-    StartModule(OfficeCalls(records));
-    Operation operation;
-    operation.run = [call] { CallLog_AddLog(*call); };
-    operation.restore = [call, full] {
-      ++call->born_tick;
-      if (!full) Module().RemoveLog(Action(call->type), 0);
-    };
-    if (!full) operation.run();
-    return operation;
-  };
-  const auto sqlite = [call, records, full] {
-    const auto database = Filled(Storage::kMemory, OfficeCalls(records));
-    Operation operation;
-    operation.run = [call, database] { database->Add(*call); };
-    operation.restore = [call, database, full] {
-      ++call->born_tick;
-      if (!full) database->RemoveNewest(call->type);
-    };
-    if (!full) operation.run();
-    return operation;
-  };
-  cases->push_back({work, kModule, module, true});
-  cases->push_back({work, kMemory, sqlite, true});
+  StartModule(OfficeCalls(records));
+  Operation adding{[call] { CallLog_AddLog(*call); },
+                   {},
+                   [call] {
+                     ++call->born_tick;
+                     Module().RemoveLog(Action(call->type), 0);
+                   }};
+  adding.run();
+  return adding;
 }
 
-// Two ways to fill a page from a history of so many records.
+// Two ways to fill a page from a full history.
 template <class Page, class FromModule, class FromTable>
-void AppendReading(Cases* cases, const std::string& work, int records, FromModule fromModule,
+void AppendReading(Cases* cases, const std::string& work, FromModule fromModule,
                    FromTable fromTable) {
   cases->push_back({work, kModule, [=] {
-                      StartModule(OfficeCalls(records));
+                      StartModule(OfficeCalls(kCalls));
                       return Reading<Page>(fromModule);
                     }});
-  for (const Storage storage : {Storage::kMemory, Storage::kWal}) {
-    cases->push_back({work, NameOf(storage), [=] {
-                        const auto table = Filled(storage, OfficeCalls(records));
+  for (const char* const storage : kStorages) {
+    cases->push_back({work, storage, [=] {
+                        const auto table =
+                            std::make_shared<CallDatabase>(storage, OfficeCalls(kCalls));
                         return Reading<Page>([=](Page* page) { fromTable(table.get(), page); });
                       }});
   }
-  cases->push_back({work, kWalk, [records] { return Walking(OfficeCalls(records)); }});
+  cases->push_back({work, kWalk, [] { return Walking(OfficeCalls(kCalls)); }});
 }
 
-void AppendPage(Cases* cases, const std::string& work, int records, int type, int row) {
+void AppendPage(Cases* cases, const std::string& work, int type, int row) {
   AppendReading<CallLogSimpleListData>(
-      cases, work, records,
+      cases, work,
       [row, action = Action(type)](auto* page) {
         Module().GetLogListByClickAction(Request(page, row), action);
       },
@@ -139,7 +111,7 @@ void AppendPage(Cases* cases, const std::string& work, int records, int type, in
 
 void AppendDetail(Cases* cases, const std::string& work, int row) {
   AppendReading<CallLogDetailData>(
-      cases, work, kCalls,
+      cases, work,
       [row, action = Action(kMissed)](auto* detail) {
         Module().GetLogDetailByClickAction(detail, action, row);
       },
@@ -148,12 +120,11 @@ void AppendDetail(Cases* cases, const std::string& work, int row) {
 
 void AppendTallies(Cases* cases) {
   AppendReading<CallLogSearchListData>(
-      cases, "most dialled of 100", kCalls,
+      cases, "most dialled of 100",
       [](auto* page) { CallLog_SearchRecentOutCall(Request(page, 0)); },
       [](CallDatabase* table, auto* page) { table->GetMostDialled(Request(page, 0)); });
   AppendReading<MissedNotifyListData>(
-      cases, "missed list, 25 callers", kCalls,
-      [](auto* list) { Module().GetMissedNotifyList(list); },
+      cases, "missed list, 25 callers", [](auto* list) { Module().GetMissedNotifyList(list); },
       [](CallDatabase* table, auto* list) { table->GetMissed(list); });
 }
 
@@ -176,46 +147,50 @@ class Names {
   std::list<SuperSearchItemData> next_;
 };
 
+Operation NamingInModule(std::size_t parties) {
+  StartModule(OfficeCalls(kCalls));
+  return {[names = Names(parties)]() mutable { Module().UpdateDispName(names.Next()); },
+          ModuleRows,
+          {}};
+}
+
+Operation NamingIn(const char* storage, std::size_t parties) {
+  const auto database = std::make_shared<CallDatabase>(storage, OfficeCalls(kCalls));
+  return {[names = Names(parties), database]() mutable { database->Rename(names.Next()); },
+          [database] { return Rows(database.get()); },
+          {}};
+}
+
 void AppendNames(Cases* cases, const std::string& work, std::size_t parties) {
-  const auto module = [parties] {
-    const auto names = std::make_shared<Names>(parties);
-    StartModule(OfficeCalls(kCalls));
-    Operation operation;
-    operation.run = [names] { Module().UpdateDispName(names->Next()); };
-    operation.answer = [] { return ModuleRows(0, kCalls); };
-    return operation;
-  };
-  const auto sqlite = [parties](Storage storage) {
-    return [parties, storage] {
-      const auto names = std::make_shared<Names>(parties);
-      const auto database = Filled(storage, OfficeCalls(kCalls));
-      Operation operation;
-      operation.run = [names, database] { database->Rename(names->Next()); };
-      operation.answer = [database] { return Rows(database.get(), 0, kCalls); };
-      return operation;
-    };
-  };
-  cases->push_back({work, kModule, module});
-  for (const Storage storage : kStorages) {
-    cases->push_back({work, NameOf(storage), sqlite(storage)});
+  cases->push_back({work, kModule, [=] { return NamingInModule(parties); }});
+  for (const char* const storage : kStorages) {
+    cases->push_back({work, storage, [=] { return NamingIn(storage, parties); }});
   }
+}
+
+void AppendGrowth(Cases* cases, int records) {
+  const std::string name = "records " + std::to_string(records);
+  cases->push_back({name + " add", kModule, [=] { return AddingToRecords(records); }});
+  cases->push_back({name + " page", kModule, [=] {
+                      StartModule(OfficeCalls(records));
+                      return Reading<CallLogSimpleListData>([action = Action(0)](auto* page) {
+                        Module().GetLogListByClickAction(Request(page, 0), action);
+                      });
+                    }});
 }
 
 }  // namespace
 
 void AppendHistoryCases(Cases* cases) {
   AppendAdd(cases);
-  AppendPage(cases, "page at row 0 of 100", kCalls, kMissed, 0);
-  AppendPage(cases, "page at row 90 of 100", kCalls, kMissed, 90);
-  AppendPage(cases, "page at row 390 of 400", kCalls, 0, 390);
+  AppendPage(cases, "page at row 0 of 100", kMissed, 0);
+  AppendPage(cases, "page at row 90 of 100", kMissed, 90);
+  AppendPage(cases, "page at row 390 of 400", 0, 390);
   AppendDetail(cases, "detail of row 50", 50);
   AppendTallies(cases);
   AppendNames(cases, "name of 1 party", 1);
   AppendNames(cases, "names of 60 parties", 60);
-  for (int records = 0; records <= kCalls; records += 50) {
-    AppendAddTo(cases, records);
-    AppendPage(cases, "records " + std::to_string(records) + " page", records, 0, 0);
-  }
+  for (int records = 50; records <= kCalls; records += 50) AppendGrowth(cases, records);
 }
 
 }  // namespace bench

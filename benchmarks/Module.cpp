@@ -44,10 +44,10 @@ std::string Text(const MissedNotifyListData& list) {
   return text;
 }
 
-std::string ModuleRows(int type, int count) {
+std::string ModuleRows() {
   CallLogSimpleListData page;
-  page.request_count = count;
-  Module().GetLogListByClickAction(&page, Action(type));
+  page.request_count = kCalls;
+  Module().GetLogListByClickAction(&page, Action(0));
   return Text(page);
 }
 

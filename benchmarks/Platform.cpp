@@ -6,9 +6,10 @@
 #include <unistd.h>
 
 #include <array>
-#include <charconv>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,46 +36,29 @@ namespace {
 
 constexpr char kKeysOfLetters[] = "22233344455566677778889999";
 
-bool IsUpper(char c) { return c >= 'A' && c <= 'Z'; }
-char ToLower(char c) { return IsUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
+char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Pads with zeros; behind the text's last digit.
-char* PutNumber(char* end, int width, long number) {
-  for (int i = width - 1; i >= 0; --i, number /= 10) end[i] = static_cast<char>('0' + number % 10);
-  return end + width;
+// Pads with zeros, and puts the sign behind; returns where that ends.
+char* PutNumber(char* at, int width, int number, char sign) {
+  for (int i = width - 1; i >= 0; --i, number /= 10) at[i] = static_cast<char>('0' + number % 10);
+  at[width] = sign;
+  return at + width + 1;
 }
 
-// "2026-10-07 09:00:00", or "10-07 09:00" when it is not `full`, for the years 1970 to 9999; the
-// calendar counts from the first of March of the year 0.
-std::string TimeText(long time, const std::string& separator, bool full) {
-  const long days = time / 86400 + 719468;
-  const long era = days / 146097, dayOfEra = days % 146097;
-  const long year = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const long day = dayOfEra - (365 * year + year / 4 - year / 100);
-  const long month = (5 * day + 2) / 153;
+// "2026-10-07 09:00:00", or "10-07 09:00" when it is not `full`; without a locale.
+std::string TimeText(std::time_t time, const std::string& separator, bool full) {
+  std::tm parts{};
+  gmtime_r(&time, &parts);
   std::array<char, 32> text{};
   char* at = text.data();
-  if (full) {
-    at = PutNumber(at, 4, year + era * 400 + (month >= 10 ? 1 : 0));
-    *at++ = '-';
-  }
-  at = PutNumber(at, 2, month < 10 ? month + 3 : month - 9);
-  *at++ = '-';
-  at = PutNumber(at, 2, day - (153 * month + 2) / 5 + 1);
-  for (const char c : std::string_view(separator).substr(0, 8)) *at++ = c;
-  at = PutNumber(at, 2, time / 3600 % 24);
-  *at++ = ':';
-  at = PutNumber(at, 2, time / 60 % 60);
-  if (full) {
-    *at++ = ':';
-    at = PutNumber(at, 2, time % 60);
-  }
-  return {text.data(), at};
+  if (full) at = PutNumber(at, 4, parts.tm_year + 1900, '-');
+  at = PutNumber(at, 2, parts.tm_mon + 1, '-');
+  at = PutNumber(at, 2, parts.tm_mday, separator.front());
+  at = PutNumber(at, 2, parts.tm_hour, ':');
+  at = PutNumber(at, 2, parts.tm_min, ':');
+  if (full) at = PutNumber(at, 2, parts.tm_sec, ':');
+  return {text.data(), at - 1};
 }
-
-std::array<std::string, 16> idleTexts;
-bool lit = false;
-bool timerRuns = false;
 
 class Accounts : public CAccountManager {
 } accounts;
@@ -94,10 +78,7 @@ std::unique_ptr<Transfer> transfer;  // one at a time
 int CommonAPI_ParseIdByClickAction(const std::string& action, const std::string& pattern) {
   const std::string_view prefix(pattern.data(), pattern.size() - 1);
   const std::size_t at = action.find(prefix);
-  if (at == std::string::npos) return -1;
-  int id = -1;
-  std::from_chars(action.data() + at + prefix.size(), action.data() + action.size(), id);
-  return id;
+  return at == std::string::npos ? -1 : std::atoi(action.c_str() + at + prefix.size());
 }
 
 bool CommonAPI_GetFromAndToIndex(int* from, int* to, int request_index, int request_count,
@@ -119,9 +100,7 @@ std::string CommonAPI_FormatString(const char* format, ...) {
 
 std::string CommonAPI_StringConvert(const std::string& text, StringConvertType type) {
   std::string converted = text;
-  if (type == STRING_CONVERT_SEARCH_KEY) {
-    for (char& c : converted) c = ToLower(c);
-  }
+  for (char& c : converted) c = type == STRING_CONVERT_SEARCH_KEY ? ToLower(c) : c;
   return converted;
 }
 
@@ -156,10 +135,7 @@ std::string Setting_Time2String(long time, const std::string& separator) {
 
 int TinyXml_GetIntAttr(TiXmlElement* element, const char* name, int fallback) {
   const char* const text = element != nullptr ? element->Attribute(name) : nullptr;
-  if (text == nullptr) return fallback;
-  const std::string_view digits(text);
-  std::from_chars(digits.data(), digits.data() + digits.size(), fallback);
-  return fallback;
+  return text != nullptr ? std::atoi(text) : fallback;
 }
 
 std::string TinyXml_GetStringAttr(TiXmlElement* element, const char* name, const char* fallback) {
@@ -194,12 +170,10 @@ bool CAccount::IsSaveMissCallLog() const { return true; }
 bool CAccount::IsAccountUsable() const { return true; }
 int CAccount::GetAccountId() const { return 0; }
 
-void CommonUnits_AddStatus(int id, const std::string& text) {
-  idleTexts[static_cast<std::size_t>(id)] = text;
-}
-void CommonUnits_RemoveStatus(int id) { idleTexts[static_cast<std::size_t>(id)].clear(); }
-void ledlamp::ledlamp_PostEvent(LAMP_EVENTTYPE /*event*/, bool on) { lit = on; }
-void backlight_RegisterEvent(BACK_LIGHT_TYPE /*type*/, bool on) { lit = on; }
+void CommonUnits_AddStatus(int /*id*/, const std::string& /*text*/) {}
+void CommonUnits_RemoveStatus(int /*id*/) {}
+void ledlamp::ledlamp_PostEvent(LAMP_EVENTTYPE /*event*/, bool /*on*/) {}
+void backlight_RegisterEvent(BACK_LIGHT_TYPE /*type*/, bool /*on*/) {}
 
 bool talkLogic_CallOut(const std::string& /*number*/, const std::string& /*name*/, int /*id*/) {
   return true;
@@ -219,12 +193,8 @@ bool EtlMsgHandler_NotifyAppEx(bool, unsigned int, unsigned int, int, int, const
   return true;
 }
 void ETL_MsgQueueHelper::msgObject::ReplyMessage(int) {}
-bool timerSetThreadTimer(unsigned int, unsigned int) { return timerRuns = true; }
-bool timerKillThreadTimer(unsigned int) {
-  const bool ran = timerRuns;
-  timerRuns = false;
-  return ran;
-}
+bool timerSetThreadTimer(unsigned int, unsigned int) { return true; }
+bool timerKillThreadTimer(unsigned int) { return true; }
 
 namespace NS_TA {
 CTaskActionCallbackBase::~CTaskActionCallbackBase() { transfer.reset(); }

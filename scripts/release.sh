@@ -8,5 +8,5 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 ./test package
 ./test soak
 ./test fuzz 600
-./bench
+./bench keep
 ./test abi keep
