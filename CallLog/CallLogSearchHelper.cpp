@@ -129,7 +129,7 @@ bool CCallLogSearchHelper::MyIsSearchFromLast(const std::string& key) const {
   return !m_strKey.empty() && key.compare(0, m_strKey.size(), m_strKey) == 0;
 }
 
-bool CCallLogSearchHelper::MyMatches(const ItemData& item, const std::string& key) const {
+inline bool CCallLogSearchHelper::MyMatches(const ItemData& item, const std::string& key) const {
   if (m_nSearchType != SEARCH_TYPE_NUMBER) return BeginsWith(item.remote_display_name, key);
   return BeginsWith(item.remote_sip_name, key) || BeginsWith(item.key_string, key);
 }

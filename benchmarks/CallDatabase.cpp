@@ -3,9 +3,9 @@
 #include <cctype>
 #include <filesystem>
 
+#include "benchmarks/Data.h"
 #include "platform/CommonAPI.h"
 #include "platform/CommonUnits.h"
-#include "benchmarks/Data.h"
 #include "platform/SettingTime.h"
 
 namespace bench {

@@ -24,7 +24,7 @@ MEASURES = ("instructions", "time", "allocations", "bytes", "written")  # times 
 AIMS = [
     ("add, against the bare walk", "add", "bare walk", {"instructions": 2.5, "time": 1.5}),
     ("add, against SQLite", "add", MEMORY, {"instructions": 0.15, "time": 0.15}),
-    ("first key, against walk and sort", ".*, key 1", "walk and sort", {"instructions": 1.55, "time": 1.3}),
+    ("first key, against walk and sort", ".*, key 1", "walk and sort", {"instructions": 1.3, "time": 1.3}),
     ("each further key, against SQLite", ".*, key [2-9]", MEMORY, {"instructions": 0.05, "time": 0.05}),
     ("narrowing to a tenth, against the full search", "a tenth.*", "full search", {"instructions": 0.3, "time": 0.3}),
     ("page of 10, against SQLite", "page .*", MEMORY, {"instructions": 0.4, "time": 0.4}),
