@@ -11,15 +11,16 @@
 // Thread: every call is made on the UI application's message thread. The module takes no locks.
 //
 // Re-entry: from inside CommonUnits_AddStatus, CommonUnits_RemoveStatus, backlight_RegisterEvent
-// and ledlamp_PostEvent every call may be made but ReleaseInstance(). The change that they tell of
-// has happened by then: a call that is being removed is in no list any more. What the outer call
-// posts behind it still carries the count of before. From inside any other operation of the
-// platform no call may be made.
+// and ledlamp_PostEvent every call may be made but ReleaseInstance(). The lists are by then as they
+// will be: a call that is being removed is in none. What has changed is not yet to be saved, and
+// what the outer call still posts to that status, backlight and LED carries the count of before. A
+// call that comes in from there while the list of all calls is being opened can count as seen. From
+// inside any other operation of the platform no call may be made.
 //
-// Failures are results, never exceptions. When memory runs out, or the platform throws although it
-// must not, a call answers what it answers for a failure (0, -1, false, an empty text, null for a
-// controller that could not be created, which the next call tries again), a page handed in stays as
-// it was, and no record is there in part.
+// Failures are results, never exceptions. When memory runs out, or an operation of the platform
+// throws that is not declared never to, a call answers what it answers for a failure (0, -1, false,
+// an empty text, null for a controller that could not be created, which the next call tries again),
+// a page handed in stays as it was, and no record is there in part.
 #pragma once
 
 #include "BSCallLogController.h"
@@ -41,8 +42,9 @@ extern "C" {
 CALLLOG_EXPORT int CallLog_AddLog(const CallLogAddItemData& call);
 
 // Gives every stored call of a contact's numbers the contact's name, and every call forwarded to
-// one of them; the name of a forward target is not saved. A search by digits finds a call under the
-// key-pad form of its former name until the next start. 1; 0 when memory ran out on the way.
+// one of them; the name of a forward target is not saved. Until the next start a search by digits
+// finds a call under the key-pad form of the name that it came or was loaded with. 1; 0 when memory
+// ran out on the way.
 CALLLOG_EXPORT int CallLog_UpdateLog(const CallLogUpdateData& contact);
 
 // Forgets every contact's name: each stored call shows its number again, and so does the target of

@@ -31,7 +31,8 @@ class CCallLogController {
 
   // Destroys the controller and the history in memory, without saving: call SaveToFile() first to
   // keep the changes of the last 5 seconds. A save timer that runs is not stopped: what it still
-  // sends, again and again where timers are periodic, reaches nobody.
+  // sends, again and again where timers are periodic, reaches nobody until the next GetInstance(),
+  // and saves then what there is to save.
   CALLLOG_EXPORT static void ReleaseInstance();
 
   // Handler of the thread-timer message 0x8113. 1 when it saved the history; 0 for another message

@@ -4,9 +4,9 @@
 #include <string>
 
 // Shows `text` as the idle status `id`, in place of the text that this id shows already.
-// The module uses 12 for missed and 15 for forwarded calls. Either of the two may enter the module
-// again, but for ReleaseInstance(): see CallLog.h. AddStatus does so when it has set its text, or
-// what it sets would be older than what the inner call has set.
+// The module uses 12 for missed and 15 for forwarded calls. This function and the next may enter
+// the module again, but for ReleaseInstance(): see CallLog.h. This one does so when it has set its
+// text, or what it sets would be older than what the inner call has set.
 void CommonUnits_AddStatus(int id, const std::string& text);
 
 // Takes the idle status `id` away; nothing happens when it is not shown.

@@ -6,11 +6,11 @@
 #pragma once
 
 // The broadcast that a configuration item has changed; wParam names the item.
-inline constexpr unsigned int BROAD_MSG_CONFIG_CHANGE = 0x10007;
+constexpr unsigned int BROAD_MSG_CONFIG_CHANGE = 0x10007;
 
 // The item of the server call logs' sources: their file was changed, by whoever provisions the
 // phone.
-inline constexpr unsigned int ST_BS_CALLLOG = 0x28;
+constexpr unsigned int ST_BS_CALLLOG = 0x28;
 
 namespace ETL_MsgQueueHelper {
 

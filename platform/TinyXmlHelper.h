@@ -13,5 +13,6 @@ int TinyXml_GetIntAttr(TiXmlElement* element, const char* name, int fallback);
 // The attribute's value; `fallback` when the element is null or lacks the attribute.
 std::string TinyXml_GetStringAttr(TiXmlElement* element, const char* name, const char* fallback);
 
-// The text inside the element; `fallback` when the element is null or holds no text.
+// The text inside the element, of all its text and CDATA nodes; `fallback` when the element is null
+// or holds no text.
 std::string TinyXml_GetElemText(TiXmlElement* element, const char* fallback);

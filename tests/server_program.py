@@ -3,13 +3,17 @@
 
 server_program.py [EMULATOR...] DESKPHONE"""
 import base64
+import fcntl
 import os
 import pty
 import re
+import resource
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
+import termios
 import urllib.error
 import urllib.request
 from pathlib import Path
@@ -25,6 +29,9 @@ REFUSED = {
     ("--user", "anna", "--password-file", "none"): "cannot read none: No such file or directory",
     ("--user", "anna", "--password-file", "empty"): "empty: no password in its first line",
     ("--user", "anna", "--password-file", "/dev/zero"): "/dev/zero: no password in its first line",
+    ("--user", "anna", "--password-file", "cut"): "cut: no password in its first line",
+    ("--user", "anna", "--password-file", "documents"): "cannot read documents: Is a directory",
+    ("--user", "an:na", "--password", "secret"): 'a user cannot hold ":": it ends there',
 }
 WELCOME = r"call logs on (http://127\.0\.0\.1:\d+/)"
 
@@ -79,12 +86,42 @@ def check_question(program):
     os.waitpid(child, 0)
 
 
+def check_interrupted_question(program):
+    """Ctrl-C ends the question, and the terminal shows again what is typed."""
+    master, slave = pty.openpty()
+    before = termios.tcgetattr(slave)
+    asked = subprocess.Popen([*program, "--user", "anna"], stdin=slave, stdout=slave, stderr=slave,
+                             start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+    read_until(master, "password of anna: ")
+    os.write(master, b"sec\x03")
+    expect("after Ctrl-C", asked.wait(timeout=60), -signal.SIGINT)
+    expect("the terminal's modes", termios.tcgetattr(slave), before)
+    os.close(master)
+    os.close(slave)
+
+
+def check_long_requests(program):
+    """Neither a long path nor a large body costs the server more than it is worth."""
+    server = subprocess.Popen(program, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_STACK, (1 << 20, 1 << 20)))
+    url = re.match(WELCOME, server.stdout.readline())[1]
+    address = ("127.0.0.1", int(url.rsplit(":", 1)[1].strip("/")))
+    for head, status in (f"GET /{'a' * 8100} HTTP/1.1\r\n\r\n", 404), (f"POST /Missed HTTP/1.1\r\nContent-Length: {1 << 30}\r\n\r\n", 405):
+        with socket.create_connection(address, timeout=60) as client:
+            client.sendall(head.encode())
+            expect(head[:20], client.recv(100).split()[1], str(status).encode())
+    expect("after them", status_of(url, None), 200)
+    server.terminate()
+    expect("its end", server.wait(timeout=60), 0)
+
+
 with tempfile.TemporaryDirectory() as directory:
     os.chdir(directory)
     Path("documents").mkdir()
     Path("documents/Missed").write_text("<Missed/>")
     Path("password").write_text("secret\r\nnot this\n")
     Path("empty").write_text("\nsecret\n")
+    Path("cut").write_bytes(b"sec\0ret\n")
     program = [*sys.argv[1:], "server", "documents"]
     check_refusals(program)
     check_serving(program, [], {None: 200})
@@ -92,3 +129,5 @@ with tempfile.TemporaryDirectory() as directory:
                   {None: 401, "": 401, "Secret": 401, "secret": 200})
     check_serving(program, ["--user", "anna", "--password", "p:w"], {"p:w": 200, "": 401})
     check_question(program)
+    check_interrupted_question(program)
+    check_long_requests(program)

@@ -120,9 +120,10 @@ def at_the_prompt(desk, shell):
         shell.type(f"call missed {calls[-1]}\n")
         shell.expect("idle screen")
         shell.expect(PROMPT)
-        shell.type("source 0 user=anna password=s3cret\n")
-        shell.expect("source 0 is set")
-        shell.expect(PROMPT)
+        for secret in "source 0 user=anna password=s3cret", "sorce 0 'Password'=s3cret":
+            shell.type(secret + "\n")
+            shell.expect(secret + "\r\n")
+            shell.expect(PROMPT)
         end()
         shell.ends_with(status)
         desk.check(*calls)
@@ -226,6 +227,44 @@ def in_a_script(desk):
             desk.check(*calls)
 
 
+def in_the_background(desk, shell):
+    """A phone that is stopped ends when it goes on, and leaves the terminal to whoever has it."""
+    for number in signal.SIGTERM, signal.SIGHUP:
+        shell.start(desk.command())
+        shell.type(f"call missed 61{number}\n")
+        shell.expect("idle screen")
+        shell.expect(PROMPT)
+        shell.type("\x1a")
+        shell.expect("sh> ")
+        shell.kill(number)
+        shell.kill(signal.SIGCONT)
+        with open(desk.root / "lock") as lock:
+            within_limit(lambda: fcntl.flock(lock, fcntl.LOCK_EX))
+        shell.type("\n")
+        shell.expect("sh> ")
+    desk.check("6115", "611")
+
+
+def with_its_output_stopped(desk):
+    """Ctrl-S holds what the phone prints; it ends all the same."""
+    for number in signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT:
+        master, slave = pty.openpty()
+        phone = subprocess.Popen(desk.command(), stdin=slave, stdout=slave, stderr=subprocess.DEVNULL, start_new_session=True)
+        terminal = Pty(master)
+        terminal.expect(PROMPT)
+        terminal.type(f"call missed 61{number}\n")
+        terminal.expect("idle screen")
+        terminal.expect(PROMPT)
+        termios.tcflow(slave, termios.TCOOFF)
+        terminal.type("idle\n")
+        phone.send_signal(number)
+        assert phone.wait(LIMIT) == 128 + number
+        termios.tcflow(slave, termios.TCOON)
+        os.close(master)
+        os.close(slave)
+    desk.check("6115", "611", "613")
+
+
 def to_nobody(desk):
     """Whoever reads what the phone prints goes away."""
     phone = subprocess.Popen(desk.command(), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -238,7 +277,8 @@ def to_nobody(desk):
     desk.check("612", "613")
 
 
-for test in at_the_prompt, during_a_wait, stopped_and_continued, hung_up, without_a_word, in_a_script, to_nobody:
+for test in at_the_prompt, during_a_wait, stopped_and_continued, hung_up, without_a_word, in_a_script, to_nobody, in_the_background, \
+        with_its_output_stopped:
     print(test.__name__, flush=True)
     with tempfile.TemporaryDirectory() as place:
         if "shell" not in test.__code__.co_varnames[:test.__code__.co_argcount]:

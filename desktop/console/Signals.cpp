@@ -2,6 +2,7 @@
 #include "desktop/console/Signals.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,26 +13,40 @@
 namespace desk {
 namespace {
 
+constexpr int kEnding[] = {SIGHUP, SIGTERM, SIGQUIT, SIGINT};
+
 std::array<std::atomic<bool>, NSIG> arrived;
 std::atomic<int> wakeUp{-1};
+std::atomic<int> nowhere{-1};  // /dev/null
+
+// A terminal that is stopped (Ctrl-S) would hold whoever writes to it, and the calls would not be
+// saved.
+void LeaveStoppedOutput() {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  if (poll(&output, 1, 0) == 0) dup2(nowhere, STDOUT_FILENO);
+}
 
 void Note(int signal) {
   const int error = errno;
   arrived[static_cast<std::size_t>(signal)] = true;
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = write(wakeUp, &one, sizeof one);
+  if (signal != SIGTSTP && signal != SIGCONT) LeaveStoppedOutput();
   errno = error;
 }
 
 }  // namespace
 
 Signals::Signals() {
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) Catch(signal, 0);
+  nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  for (const int signal : kEnding) Catch(signal, 0);
+  Catch(SIGPIPE, 0);
 }
 
 Signals::~Signals() {
   for (const auto& [signal, action] : before_) sigaction(signal, &action, nullptr);
   close(wakeUp.exchange(-1));
+  close(nowhere.exchange(-1));
 }
 
 void Signals::Catch(int signal, int flags) {
@@ -55,7 +70,7 @@ void Signals::WakeUp(int eventDescriptor) {
 }
 
 int Signals::Ending() const {
-  for (const int signal : {SIGHUP, SIGTERM, SIGINT}) {
+  for (const int signal : kEnding) {
     if (arrived[static_cast<std::size_t>(signal)]) return signal;
   }
   return 0;

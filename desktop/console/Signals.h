@@ -1,5 +1,5 @@
-// The signals that end the phone, SIGHUP, SIGINT and SIGTERM, and those with which a shell stops it
-// and lets it go on: which of them have arrived. SIGPIPE ends nothing: a phone that nobody listens
+// The signals that end the phone, SIGHUP, SIGINT, SIGQUIT and SIGTERM, and those with which a shell
+// stops it and lets it go on: which of them have arrived. SIGPIPE ends nothing: a phone that nobody listens
 // to any more still has calls to save.
 #pragma once
 

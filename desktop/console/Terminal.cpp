@@ -39,8 +39,7 @@ void OnLine(char* text) {
     phone.wantsToQuit = true;
     return;
   }
-  const bool secret = std::strstr(line.get(), "password=") != nullptr;
-  if (*line != '\0' && !secret) add_history(line.get());
+  if (*line != '\0') add_history(line.get());
   try {
     RunCommand(phone, line.get());
   } catch (const CommandError& error) {
@@ -97,13 +96,16 @@ bool IsCommandInterrupted(Signals& signals) {
   return signals.Take(SIGINT) || signals.Ending() != 0;
 }
 
+// Who sets the modes of a terminal that is another's at the time is stopped.
+bool HasTerminal() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
+
 // At the prompt the terminal is in readline's modes, and whoever had it meanwhile has left others.
 void SeeToStops(Signals& signals) {
   if (signals.Take(SIGTSTP)) {
     rl_deprep_terminal();
     signals.Stop();
   }
-  if (!signals.Take(SIGCONT)) return;
+  if (!signals.Take(SIGCONT) || !HasTerminal()) return;
   rl_deprep_terminal();
   rl_prep_terminal(1);
   Redisplay([] {});
@@ -123,7 +125,7 @@ void RunPrompt(Phone& phone, Signals& signals) {
   while (!phone.wantsToQuit) {
     phone.platform().RunDue();
     ReportAboveLine(phone);
-    SeeToStops(signals);
+    if (signals.Ending() == 0) SeeToStops(signals);
     if (signals.Ending() != 0) return;
     if (poll(waiting, 2, PollTimeout(phone)) < 0) continue;
     if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
@@ -140,12 +142,25 @@ void StartReadline() {
   rl_callback_handler_install(kPrompt, OnLine);
 }
 
+// The lines of a command that takes a password, and others in which one may stand.
+bool MayHoldPassword(const char* line) {
+  return std::strncmp(line, "source", std::strlen("source")) == 0 ||
+         strcasestr(line, "passw") != nullptr;
+}
+
+void WriteLines() {
+  for (int i = history_length - 1; i >= 0; --i) {
+    if (MayHoldPassword(history_get(history_base + i)->line)) free_history_entry(remove_history(i));
+  }
+  stifle_history(kHistoryLength);
+  write_history(kHistoryFile);
+}
+
 // What is to be kept comes first: a terminal that is held up holds up whoever writes to it.
 void EndReadline(Phone& phone) {
   phone.Save();
-  stifle_history(kHistoryLength);
-  write_history(kHistoryFile);
-  rl_callback_handler_remove();
+  WriteLines();
+  if (HasTerminal()) rl_callback_handler_remove();
 }
 
 }  // namespace

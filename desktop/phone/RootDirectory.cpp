@@ -6,10 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "desktop/platform/PrivateFile.h"
 
@@ -24,18 +27,23 @@ RootError Unusable(const fs::path& path, const std::string& reason) {
   return RootError("cannot use " + path.string() + ": " + reason);
 }
 
-bool HoldsPhone(const fs::path& path) {
-  std::error_code ignored;
-  return fs::is_regular_file(fs::symlink_status(path / "lock", ignored)) ||
-         fs::is_directory(path / "config/data", ignored);
-}
-
-bool HoldsAnything(const fs::path& path) {
+// A phone's directory: it holds a phone's files, or nothing but what a first start makes, which
+// makes the lock first. An empty one can become one.
+bool MayBePhones(const fs::path& root) {
+  static const std::set<fs::path> kMade = {"commands", "config", "lock", "tmp"};
+  for (const char* file : {"call_data.xml", "broadsoft_calllog_list.xml"}) {
+    std::error_code ignored;
+    if (fs::exists(fs::symlink_status(root / "config/data" / file, ignored))) return true;
+  }
   std::error_code error;
-  if (!fs::is_directory(path, error)) return false;
-  const bool isEmpty = fs::is_empty(path, error);
-  if (error) throw Unusable(path, error.message());
-  return !isEmpty;
+  std::set<fs::path> found;
+  for (fs::directory_iterator next(root, error), end; !error && next != end;
+       next.increment(error)) {
+    found.insert(next->path().filename());
+  }
+  if (error) throw Unusable(root, error.message());
+  const bool others = !std::includes(kMade.begin(), kMade.end(), found.begin(), found.end());
+  return found.empty() || (!others && fs::is_regular_file(fs::symlink_status(root / "lock")));
 }
 
 void Make(const fs::path& root, const fs::path& folder) {
@@ -65,12 +73,36 @@ bool CloseFolder(const fs::path& folder) {
   return true;
 }
 
+// What stands there may be what others have put there as long as they could: a link, or a file of
+// theirs, leads the calls and passwords to them.
+void RefuseForeign(const fs::path& root) {
+  std::vector<fs::path> entries = {root / "lock", root / "config", root / "tmp",
+                                   root / "config/data"};
+  std::error_code ignored;
+  for (const auto& file : fs::directory_iterator(root / "config/data", ignored)) {
+    entries.push_back(file.path());
+  }
+  for (const fs::path& entry : entries) {
+    struct stat status = {};
+    if (lstat(entry.c_str(), &status) != 0) continue;
+    if (!S_ISLNK(status.st_mode) && status.st_uid == geteuid()) continue;
+    throw Unusable(root, "others could write there, and " +
+                             entry.lexically_relative(root).string() +
+                             " is a link or belongs to another user");
+  }
+}
+
 // The root comes first: behind it nobody else can get at what is in it. True when it was open.
 bool CloseRoot(const fs::path& root) {
   std::error_code error;
+  const fs::perms before = fs::status(root, error).permissions();
   const bool wasOpen = Close(root / ".", error);
   if (error) throw Unusable(root, "it stays open to other users: " + error.message());
-  CloseFolder(root / ".");
+  const fs::perms writable = fs::perms::group_write | fs::perms::others_write;
+  if ((before & writable) != fs::perms::none) RefuseForeign(root);
+  for (const char* file : {"lock", "commands"}) {
+    if (fs::is_regular_file(fs::symlink_status(root / file, error))) Close(root / file, error);
+  }
   if (CloseFolder(root / "config")) CloseFolder(root / "config/data");
   if (CloseFolder(root / "tmp")) PrivateFile::RemoveLeft(root / "tmp/BroadSoftCallLog.xml");
   return wasOpen;
@@ -96,8 +128,9 @@ RootDirectory::RootDirectory(const fs::path& path) {
   std::error_code error;
   before_ = fs::current_path(error);
   path_ = fs::absolute(path, error);
-  const bool isOld = HoldsPhone(path_);
-  if (!isOld && HoldsAnything(path_)) {
+  const bool isThere = fs::exists(path_, error);
+  const bool isOld = fs::is_directory(path_, error) && !fs::is_empty(path_, error);
+  if (isThere && !MayBePhones(path_)) {
     throw Unusable(path_,
                    "it holds other files and no phone; name a new directory or an empty one");
   }

@@ -69,9 +69,12 @@ void LogServer::Start() {
   // A held request keeps its thread, and nobody should have to wait for a connection that idles.
   server_->new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(64).release(); };
   server_->set_keep_alive_max_count(1);
-  server_->Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
-    Answer(request, response);
-  });
+  // Before the library matches the path, byte by byte on the stack, or reads a body.
+  server_->set_pre_routing_handler(
+      [this](const httplib::Request& request, httplib::Response& response) {
+        Answer(request, response);
+        return httplib::Server::HandlerResponse::Handled;
+      });
   if (!Bind()) {
     server_.reset();
     throw std::runtime_error("cannot serve on " + std::string(kHost) + ":" +
@@ -195,6 +198,10 @@ void LogServer::Send(const std::string& path, const std::shared_ptr<const Served
 }
 
 void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
+  if (request.method != "GET" && request.method != "HEAD") {
+    response.status = 405;
+    return;
+  }
   const std::string& path = request.path;
   const Behaviour behaviour = Arrive(request);
   if (!IsAuthorized(request)) {

@@ -1,6 +1,7 @@
 // The server's options, where its password comes from, and the wait for its end.
 #include "desktop/server/ServerProgram.h"
 
+#include <bsd/readpassphrase.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -18,21 +19,30 @@ namespace {
 constexpr char kPassword[] = "--password";
 constexpr char kPasswordFile[] = "--password-file";
 
+constexpr std::size_t kLongest = 1024;  // bytes of a password, with what ends it
+
 std::string FirstLine(const std::string& name) {
   std::ifstream file(name);
-  if (!file) throw std::runtime_error("cannot read " + name + ": " + std::strerror(errno));
-  std::array<char, 1024> line{};
-  file.getline(line.data(), line.size());
-  std::string text = file.fail() ? "" : line.data();
-  if (!text.empty() && text.back() == '\r') text.pop_back();
-  if (text.empty()) throw std::runtime_error(name + ": no password in its first line");
+  std::array<char, kLongest> line{};
+  if (file) file.getline(line.data(), line.size());
+  if (file.bad() || !file.is_open()) {
+    throw std::runtime_error("cannot read " + name + ": " + std::strerror(errno));
+  }
+  std::string text(line.data(), static_cast<std::size_t>(file.gcount()));
+  while (!text.empty() && (text.back() == '\0' || text.back() == '\r')) text.pop_back();
+  if (file.fail() || text.empty() || text.find('\0') != text.npos) {
+    throw std::runtime_error(name + ": no password in its first line");
+  }
   return text;
 }
 
+// Signals end the program as ever, with the terminal's echo back.
 std::string AskFor(const std::string& question) {
+  std::array<char, kLongest> typed{};
   if (isatty(STDIN_FILENO) == 0) return {};
-  const char* const typed = getpass(question.c_str());
-  return typed != nullptr ? typed : "";
+  const bool answered =
+      readpassphrase(question.c_str(), typed.data(), typed.size(), RPP_REQUIRE_TTY) != nullptr;
+  return answered ? typed.data() : "";
 }
 
 }  // namespace
@@ -42,7 +52,9 @@ ServerProgram::ServerProgram(CLI::App* program)
           "server", "serves call log documents on 127.0.0.1 until it is interrupted")) {
   command_->add_option("DIRECTORY", settings_.directory, "the documents; links are not followed")
       ->required();
-  command_->add_option("--port", settings_.port, "0: any free one")->capture_default_str();
+  command_->add_option("--port", settings_.port, "0: any free one")
+      ->check(CLI::Range(0, 65535))
+      ->capture_default_str();
   command_->add_option("--user", settings_.user,
                        "wants this user; nobody in particular if empty. At a terminal it asks for "
                        "the password");
@@ -57,6 +69,9 @@ std::string ServerProgram::Password() const {
   const bool given = command_->count(kPassword) > 0;
   const bool inFile = command_->count(kPasswordFile) > 0;
   if (given && inFile) throw std::runtime_error("two passwords: leave out one of the options");
+  if (settings_.user.find(':') != std::string::npos) {
+    throw std::runtime_error("a user cannot hold \":\": it ends there");
+  }
   if (settings_.user.empty()) {
     if (!given && !inFile) return {};
     throw std::runtime_error("a password without --user would let everybody in");

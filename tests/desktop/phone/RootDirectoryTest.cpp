@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <map>
 #include <sstream>
@@ -82,15 +83,16 @@ TEST_F(RootDirectoryTest, AnOlderOneIsClosedAndTidied) {
   const fs::path others = work.path() / "others";
   Write(others / "file", "");
   Write(others / "data/file", "");
+  Write(others / "data/call_data.xml", "");
   Start(root);
-  for (const char* file :
-       {"config/data/call_data.xml.aside-1", "config/file", "file", "tmp/BroadSoftCallLog.xml"}) {
+  for (const char* file : {"config/data/call_data.xml.aside-1", "config/file", "commands",
+                           "tmp/BroadSoftCallLog.xml"}) {
     Write(root / file, "");
   }
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     fs::permissions(entry, fs::perms::all);
   }
-  fs::permissions(root, fs::perms::all);
+  fs::permissions(root, fs::perms(0755));
   Write(root / "mine/file", "");
   for (const char* left : {"tmp/.BroadSoftCallLog.xml-aB3dE6", "tmp/.BroadSoftCallLog.xml-longer0",
                            "tmp/BroadSoftCallLog.xml-aB3dE6"}) {
@@ -126,8 +128,13 @@ TEST_F(RootDirectoryTest, AnOlderOneIsClosedAndTidied) {
 
 TEST_F(RootDirectoryTest, TakesNothingThatIsSomebodyElses) {
   const std::pair<const char*, bool> rows[] = {
-      {"thesis.txt", false}, {"lock/file", false},       {"config/file", false},
-      {"lock", true},        {"config/data/file", true},
+      {"thesis.txt", false},
+      {"lock/file", false},
+      {"config/file", false},
+      {"config/data/db.yml", false},
+      {"lock", true},
+      {"config/data/call_data.xml", true},
+      {"config/data/broadsoft_calllog_list.xml", true},
   };
   for (const auto& [file, taken] : rows) {
     SCOPED_TRACE(file);
@@ -147,6 +154,34 @@ TEST_F(RootDirectoryTest, TakesNothingThatIsSomebodyElses) {
                            ": it holds other files and no phone; name a new directory or an "
                            "empty one");
       EXPECT_EQ(ModesOf(root), before);
+    }
+  }
+}
+
+// As long as others could write there, they could lead what the phone writes to themselves.
+TEST_F(RootDirectoryTest, WhatOthersMayHavePutThereIsNotUsed) {
+  const char* const kEntries[] = {"lock",
+                                  "config",
+                                  "config/data",
+                                  "tmp",
+                                  "config/data/call_data.xml",
+                                  "config/data/broadsoft_calllog_list.xml"};
+  constexpr uid_t kSomebody = 65534;
+  for (const char* const entry : kEntries) {
+    for (const bool linked : {true, false}) {
+      if (!linked && geteuid() != 0) continue;  // who may give files away
+      SCOPED_TRACE(entry + std::string(linked ? " is a link" : " is another user's"));
+      fs::remove_all(root);
+      Start(root);
+      if (linked) {
+        fs::rename(root / entry, work.path() / "elsewhere");
+        fs::create_symlink(work.path() / "elsewhere", root / entry);
+      } else {
+        ASSERT_EQ(chown((root / entry).c_str(), kSomebody, kSomebody), 0);
+      }
+      fs::permissions(root, fs::perms::all);
+      EXPECT_THROW(RootDirectory ours(root), RootError);
+      fs::remove_all(work.path() / "elsewhere");
     }
   }
 }
