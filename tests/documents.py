@@ -2,12 +2,14 @@
 """Holds the documents to what they show: documents.py SOURCES CXX [EMULATOR...] DESKPHONE
 
 Every command in them is one that .ci/run or scripts/release.sh runs, or one of deskphone's, which is
-run here; README.md's code compiles, and its talk with the phone is what the phone says."""
+run here; README.md's program prints what it says, and so does the phone in its talk."""
 import os
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
+import textwrap
 from pathlib import Path
 
 SOURCES, CXX, PHONE = Path(sys.argv[1]), sys.argv[2], sys.argv[3:]
@@ -71,14 +73,23 @@ def check_commands():
         fail("documents", f"only {len(found)} commands found")
 
 
-def check_code(readme):
-    """Compiles the block that begins with the module's header."""
-    block = re.search(r"^    (#include <CallLog.h>)\n((?:    .*\n|\n)+)", readme, re.M)
-    program = f"{block[1]}\nvoid Use(const CallLogAddItemData& call) {{\n{block[2]}}}\n"
-    compiled = subprocess.run([CXX, "-std=c++17", "-fsyntax-only", f"-I{SOURCES}/include", "-xc++", "-"],
-                              input=program, text=True, capture_output=True)
-    if compiled.returncode != 0:
-        fail("README.md", compiled.stderr)
+def check_program(readme):
+    """Builds the program as README.md says, but as the phone was built, and compares what it prints."""
+    program = re.search(r"^```cpp\n(.*?)^```", readme, re.M | re.S)[1]
+    build, run, expected = re.search(r"^    \$ (g\+\+ .*\n.*)\n    \$ (\./.*)\n((?:    .*\n)+)", readme, re.M).groups()
+    tree = Path(PHONE[-1]).parent.parent
+    as_the_phone = re.findall(r"-D_\w+=64|-fsanitize=\S+|--sysroot=\S+", (tree / "compile_commands.json").read_text())
+    build = " ".join([CXX, *sorted(set(as_the_phone)), build[len("g++ "):]])
+    with tempfile.TemporaryDirectory() as directory:
+        (Path(directory) / "missed.cpp").write_text(program)
+        (Path(directory) / "build").mkdir()
+        (Path(directory) / "build/default").symlink_to(tree)
+        for room in ("include", "platform", "desktop"):
+            (Path(directory) / room).symlink_to(SOURCES / room)
+        ran = subprocess.run(f"{build} && {shlex.join(PHONE[:-1])} {run}", shell=True, cwd=directory,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    if ran.returncode != 0 or ran.stdout != textwrap.dedent(expected):
+        fail("README.md", f"{run} prints\n{ran.stdout}")
 
 
 def talk(lines):
@@ -114,7 +125,7 @@ def check_talk(readme):
 
 text = (SOURCES / "README.md").read_text()
 check_commands()
-check_code(text)
+check_program(text)
 check_talk(text)
 for failure in failures:
     print(failure)
