@@ -12,6 +12,7 @@
 #include "CallLog/Failure.h"
 #include "CallLog/FileWriter.h"
 #include "CallLog/HistoryDocument.h"
+#include "CallLog/HistoryFormat.h"
 #include "CallLog/KeyString.h"
 #include "CallLog/NewCallStatus.h"
 #include "CallLog/Paths.h"
@@ -35,7 +36,6 @@ namespace {
 using ItemData = CCallLogModel::ItemData;
 using LogList = CCallLogModel::LogList;
 
-constexpr int kMaxRecordsPerType = 100;
 constexpr int kMaxNotifyRows = 21;
 constexpr int kPageTotal = 100;
 

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "CallLog/Failure.h"
+#include "CallLog/HistoryFormat.h"
 #include "CallLog/KeyString.h"
 #include "CallLog/XmlChars.h"
 #include "platform/TinyXmlHelper.h"
@@ -97,7 +98,7 @@ std::string PrintHistory(const LogList& records) {
   text += "<" + root + ">\n";
   HistoryLine line;
   for (const ItemData& item : records) {
-    line.AppendNumber("type", item.type);
+    line.AppendNumber(kHistoryType, item.type);
     line.AppendNumber("born_tick", item.born_tick);
     line.AppendString("local_sip_name", item.local_sip_name);
     line.AppendString("local_sip_server", item.local_sip_server);
@@ -114,7 +115,7 @@ std::string PrintHistory(const LogList& records) {
 bool ReadHistoryItem(TiXmlElement* element, ItemData* item) {
   return OrFailure(false, [&] {
     item->Reset();
-    item->type = TinyXml_GetIntAttr(element, "type", 0);
+    item->type = TinyXml_GetIntAttr(element, kHistoryType, 0);
     item->born_tick = TinyXml_GetIntAttr(element, "born_tick", 0);
     item->local_sip_name = TinyXml_GetStringAttr(element, "local_sip_name", "");
     item->local_sip_server = TinyXml_GetStringAttr(element, "local_sip_server", "");

@@ -1,5 +1,5 @@
-// The history file: the one place that knows its elements and attributes. Opening the file, and
-// where a record belongs, is the model's.
+// The history file's text, and the attributes of a record in it. Opening the file, and where a
+// record belongs, is the model's.
 #pragma once
 
 #include <string>
@@ -9,9 +9,6 @@
 class TiXmlElement;
 
 namespace NS_CALLLOG {
-
-inline constexpr char kHistoryRoot[] = "root_call_log";
-inline constexpr char kHistoryItem[] = "item";
 
 // The text of the file that holds these records.
 std::string PrintHistory(const CCallLogModel::LogList& records);

@@ -16,9 +16,10 @@
 #include <new>
 #include <stdexcept>
 
+#include "CallLog/HistoryFormat.h"
 #include "CallLog/XmlReader.h"
 
-namespace desk {
+namespace NS_GUARD {
 namespace {
 
 constexpr int kAttempts = 3;
@@ -85,17 +86,18 @@ bool Write(const std::string& path, const std::string& bytes) {
   return closed && written;
 }
 
-// How many records the module keeps of these: a hundred of each type.
+// How many of these records the module keeps.
 int CountRecords(const TiXmlElement& root) {
-  constexpr int kMaxPerType = 100;
   std::map<long, int> ofType;
-  for (const TiXmlElement* item = root.FirstChildElement("item"); item != nullptr;
-       item = item->NextSiblingElement("item")) {
-    const char* const type = item->Attribute("type");
+  for (const TiXmlElement* item = root.FirstChildElement(NS_CALLLOG::kHistoryItem); item != nullptr;
+       item = item->NextSiblingElement(NS_CALLLOG::kHistoryItem)) {
+    const char* const type = item->Attribute(NS_CALLLOG::kHistoryType);
     ++ofType[type == nullptr ? 0 : std::strtol(type, nullptr, 10)];
   }
   int records = 0;
-  for (const auto& [type, count] : ofType) records += std::min(count, kMaxPerType);
+  for (const auto& [type, count] : ofType) {
+    records += std::min(count, NS_CALLLOG::kMaxRecordsPerType);
+  }
   return records;
 }
 
@@ -116,28 +118,43 @@ HistoryGuard::Outcome HistoryGuard::Start(const ModuleStart& startModule) {
   const bool wasHeld = TakeUpHeld();
   const File good = ReadGood();
   const File history = ReadHistory();
-  const File& served = history.state == State::kComplete ? history : good;
-  Outcome outcome = wasHeld ? Outcome::kPutBack : Outcome::kGood;
-  bool lent = false;  // without room for a second copy the module loads the good one itself
-  if (served.state != State::kComplete) {
-    outcome = BeginAnew(history.state, good.state, wasHeld);
-  } else if (&served == &good) {
-    outcome = Outcome::kPutBack;
-    SetAside(history_);
-    const bool copied = Replace(history_, good.bytes) || Write(history_, good.bytes);
-    lent = !copied && Move(good_, history_);
+  if (history.state == State::kComplete) {
+    const Outcome outcome = StartFromHistory(history, good, startModule);
+    return outcome == Outcome::kGood && wasHeld ? Outcome::kPutBack : outcome;
   }
+  if (good.state == State::kComplete) return StartFromGood(good, startModule);
+  const Outcome outcome = BeginAnew(history.state, good.state, wasHeld);
+  counts_ = Load(startModule, 0) && outcome != Outcome::kHeld;
+  return counts_ ? outcome : Outcome::kHeld;
+}
 
+HistoryGuard::Outcome HistoryGuard::StartFromHistory(const File& history, const File& good,
+                                                     const ModuleStart& startModule) {
+  if (!Load(startModule, history.records)) return Outcome::kHeld;
+  const bool kept = history.bytes == good.bytes || Keep(history.bytes);
+  return kept ? Outcome::kGood : Outcome::kNotCopied;
+}
+
+// Without room for a second copy the module loads the good one itself, and it goes back at once:
+// where the module writes, no only copy may stand.
+HistoryGuard::Outcome HistoryGuard::StartFromGood(const File& good,
+                                                  const ModuleStart& startModule) {
+  SetAside(history_);
+  const bool copied = Replace(history_, good.bytes) || Write(history_, good.bytes);
+  const bool moved = !copied && Move(good_, history_);
+  if (!Load(startModule, good.records)) return Outcome::kHeld;
+  const bool back = !moved || Move(history_, good_);
+  return back ? Outcome::kPutBack : Outcome::kNotCopied;
+}
+
+// Starts the module until it lists so many records; a file that it does not load is held. True when
+// what it saves then continues the history.
+bool HistoryGuard::Load(const ModuleStart& startModule, int records) {
   bool loaded = false;
-  for (int i = 0; i < kAttempts && !loaded; ++i) loaded = startModule() >= served.records;
+  for (int i = 0; i < kAttempts && !loaded; ++i) loaded = startModule() >= records;
   if (!loaded) Hold(history_);
-  counts_ = loaded && outcome != Outcome::kHeld && !Exists(held_);
-  if (!counts_) return Outcome::kHeld;
-  // Where the module writes, no only copy may stand.
-  const bool kept = lent                         ? Move(history_, good_)
-                    : served.bytes != good.bytes ? Keep(served.bytes)
-                                                 : true;
-  return kept ? outcome : Outcome::kNotCopied;
+  counts_ = loaded && !Exists(held_);
+  return counts_;
 }
 
 HistoryGuard::Outcome HistoryGuard::AfterSave() {
@@ -257,7 +274,7 @@ HistoryGuard::File HistoryGuard::ReadOnce(const std::string& path) {
   }
   TiXmlDocument document;
   const bool parsed = NS_CALLLOG::ParseXml(&document, file.bytes);
-  const TiXmlElement* const root = document.FirstChildElement("root_call_log");
+  const TiXmlElement* const root = document.FirstChildElement(NS_CALLLOG::kHistoryRoot);
   if (!parsed || root == nullptr) return {State::kDamaged, {}, 0};
   file.state = State::kComplete;
   file.records = CountRecords(*root);
@@ -285,4 +302,4 @@ const char* Describe(HistoryGuard::Outcome outcome) {
   return "";
 }
 
-}  // namespace desk
+}  // namespace NS_GUARD

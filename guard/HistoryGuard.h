@@ -24,7 +24,7 @@
 #include <functional>
 #include <string>
 
-namespace desk {
+namespace NS_GUARD {
 
 class HistoryGuard {
  public:
@@ -56,13 +56,7 @@ class HistoryGuard {
   explicit HistoryGuard(const std::string& historyPath);
 
   // Starts the module anew, so that it loads the history file, and returns how many records it
-  // lists then:
-  //     CCallLogController::ReleaseInstance();
-  //     CallLogSimpleListData page;
-  //     page.request_count = 1;
-  //     const auto* const history = CCallLogController::GetInstance();
-  //     if (history != nullptr) history->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
-  //     return page.total;
+  // lists then: RestartHistory() of RestartHistory.h.
   using ModuleStart = std::function<int()>;
 
   // Puts the files in order and starts the module: once, again when it lists fewer records than the
@@ -88,6 +82,9 @@ class HistoryGuard {
   File ReadGood() const;
   File ReadHistory() const;
   bool TakeUpHeld() const;
+  Outcome StartFromHistory(const File& history, const File& good, const ModuleStart& startModule);
+  Outcome StartFromGood(const File& good, const ModuleStart& startModule);
+  bool Load(const ModuleStart& startModule, int records);
   Outcome BeginAnew(State history, State good, bool wasHeld) const;
   void Hold(const std::string& path) const;
   bool Keep(const std::string& bytes) const;
@@ -108,4 +105,4 @@ class HistoryGuard {
 // The outcome as a sentence, without a full stop; empty for kGood.
 const char* Describe(HistoryGuard::Outcome outcome);
 
-}  // namespace desk
+}  // namespace NS_GUARD

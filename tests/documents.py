@@ -2,7 +2,7 @@
 """Holds the documents to what they show: documents.py SOURCES CXX [EMULATOR...] DESKPHONE
 
 Every command in them is one that .ci/run or scripts/release.sh runs, or one of deskphone's, which is
-run here; README.md's program prints what it says, and so does the phone in its talk."""
+run here; their code compiles, README.md's program prints what it says, and so does the phone in its talk."""
 import os
 import re
 import shlex
@@ -92,6 +92,14 @@ def check_program(readme):
         fail("README.md", f"{run} prints\n{ran.stdout}")
 
 
+def compile_code(place, program):
+    folders = [f"-I{SOURCES / folder}" for folder in ("include", "guard", ".")]
+    compiled = subprocess.run([CXX, "-std=c++17", "-fsyntax-only", *folders, "-xc++", "-"],
+                              input=program, text=True, capture_output=True)
+    if compiled.returncode != 0:
+        fail(place, compiled.stderr)
+
+
 def talk(lines):
     """(command, what was answered) of a talk with the phone."""
     said = []
@@ -126,6 +134,8 @@ def check_talk(readme):
 text = (SOURCES / "README.md").read_text()
 check_commands()
 check_program(text)
+for program in re.findall(r"^```cpp\n(.*?)^```$", (SOURCES / "docs/PORTING.md").read_text(), re.M | re.S):
+    compile_code("PORTING.md", program)
 check_talk(text)
 for failure in failures:
     print(failure)

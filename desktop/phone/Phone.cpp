@@ -7,11 +7,13 @@
 #include "desktop/console/Screen.h"
 #include "desktop/console/Signals.h"
 #include "desktop/platform/Text.h"
+#include "guard/RestartHistory.h"
 
 namespace desk {
 
 using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
+using NS_GUARD::HistoryGuard;
 
 namespace {
 
@@ -23,16 +25,6 @@ std::string Describe(const Message& message) {
   }
   return Format("message 0x%x to the application, wParam %u, lParam %d", message.message,
                 message.wParam, message.lParam);
-}
-
-// Loads the history, and tells how many calls it has.
-int StartHistory() {
-  CCallLogController::ReleaseInstance();
-  CallLogSimpleListData page;
-  page.request_count = 1;
-  const auto* const controller = CCallLogController::GetInstance();
-  if (controller != nullptr) controller->GetLogListByClickAction(&page, "OpenSubPage(call_log_0)");
-  return page.total;
 }
 
 }  // namespace
@@ -58,7 +50,7 @@ Phone::~Phone() {
 // As a UI process starts: the handler first, then the history.
 void Phone::PowerOn() {
   CallLog_RegisterMessage();
-  NoteGuard(guard_.Start(StartHistory));
+  NoteGuard(guard_.Start(NS_GUARD::RestartHistory));
 }
 
 void Phone::PowerCycle() {

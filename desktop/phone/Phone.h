@@ -61,7 +61,7 @@ class Phone {
 
  private:
   void PowerOn();
-  void NoteGuard(HistoryGuard::Outcome outcome);
+  void NoteGuard(NS_GUARD::HistoryGuard::Outcome outcome);
   void ReportGuard();
   void OnHandled(const Message& message, int result);
 
@@ -69,7 +69,7 @@ class Phone {
   std::unique_ptr<LogServer> logServer_;
   std::ostream& out_;
   Platform platform_;
-  HistoryGuard guard_;
+  NS_GUARD::HistoryGuard guard_;
   std::vector<std::string> guardNotes_;  // what the guard did and nobody has been told
   Display shown_;
   bool saved_ = false;

@@ -16,6 +16,7 @@
 #include "CallLog.h"
 #include "desktop/platform/Platform.h"
 #include "guard/HistoryGuard.h"
+#include "guard/RestartHistory.h"
 
 namespace {
 
@@ -48,11 +49,6 @@ std::list<CallLogSimpleData> Calls() {
   return page.items;
 }
 
-int StartModule() {
-  CCallLogController::ReleaseInstance();
-  return static_cast<int>(Calls().size());
-}
-
 void PrintCalls() {
   int row = 0;
   for (const CallLogSimpleData& call : Calls()) {
@@ -75,13 +71,13 @@ int main(int argc, char** argv) {
   desk::Profile profile;
   profile.config = {{"HistorySavedSwitch", 1}};
   desk::Platform platform(profile, std::make_unique<desk::ManualClock>(kNow));
-  desk::HistoryGuard guard("./config/data/call_data.xml");
+  NS_GUARD::HistoryGuard guard("./config/data/call_data.xml");
 
-  if (given("guard")) std::printf("%s; ", desk::Describe(guard.Start(StartModule)));
+  if (given("guard")) std::printf("%s; ", Describe(guard.Start(NS_GUARD::RestartHistory)));
   std::printf("%zu calls at the start", Calls().size());
   platform.loop.SetObserver([&](const desk::Message&, int result) {
     std::printf("; saved %d", result);
-    if (result == 1 && given("guard")) std::printf("; %s", desk::Describe(guard.AfterSave()));
+    if (result == 1 && given("guard")) std::printf("; %s", Describe(guard.AfterSave()));
   });
   if (given("fill")) Fill();
   if (given("add")) {

@@ -13,6 +13,7 @@
 #include <map>
 #include <optional>
 
+#include "guard/RestartHistory.h"
 #include "tests/support/PhoneTest.h"
 #include "tests/support/PlainModel.h"
 
@@ -21,6 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using NS_CALLLOG::CCallLogController;
+using NS_GUARD::HistoryGuard;
+using NS_GUARD::RestartHistory;
 using Outcome = HistoryGuard::Outcome;
 
 // Lets everything that needs the resource fail while it lives: RLIMIT_FSIZE each write,
@@ -86,13 +89,8 @@ class HistoryGuardTest : public PhoneTest {
     if (good) WriteFile(Good(), *good);
   }
 
-  static int StartModule() {
-    CCallLogController::ReleaseInstance();
-    return Size();
-  }
-
   // The power is cut, and a new process starts.
-  Outcome Start(const HistoryGuard::ModuleStart& startModule = StartModule) {
+  Outcome Start(const HistoryGuard::ModuleStart& startModule = RestartHistory) {
     CCallLogController::ReleaseInstance();
     platform->PowerCycle();
     guard.emplace(HistoryFile());
@@ -229,9 +227,9 @@ TEST_F(HistoryGuardTest, BeginsAnewWhereNothingIsComplete) {
 TEST_F(HistoryGuardTest, StartsTheModuleAgainThatLoadedTooLittle) {
   int failures = 2;
   const auto startModule = [&] {
-    if (failures-- <= 0) return StartModule();
+    if (failures-- <= 0) return RestartHistory();
     const Without without(RLIMIT_NOFILE);
-    return StartModule();
+    return RestartHistory();
   };
   Lay(whole, {});
   EXPECT_EQ(Start(startModule), Outcome::kGood);
@@ -253,7 +251,7 @@ TEST_F(HistoryGuardTest, StartsTheModuleAgainThatLoadedTooLittle) {
     EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 1}, {".aside-2", 1}}));
     ExpectGoesOn(kCalls);
   }
-  EXPECT_EQ(Start([] { return StartModule() - 1; }), Outcome::kHeld) << "one call is missing";
+  EXPECT_EQ(Start([] { return RestartHistory() - 1; }), Outcome::kHeld) << "one call is missing";
 }
 
 TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {

@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 
+#include "guard/RestartHistory.h"
 #include "platform/EtlMsgHandler.h"
 #include "tests/memory/FailingMemory.h"
 #include "tests/support/ServerTest.h"
@@ -164,17 +165,16 @@ TEST_F(AllocationFailureTest, AStartLoadsWholeRecordsOrIsTriedAgain) {
   Fill();
   const Strings all = Names(0);
   const auto prepare = [] { CCallLogController::ReleaseInstance(); };
-  FailEach(
-      prepare, [] { return CCallLogController::GetInstance() != nullptr; },
-      [&](bool /*started*/, bool failed) {
-        const Strings names = Names(0);
-        if (!failed) {
-          EXPECT_EQ(names, all);
-        }
-        for (const std::string& name : names) EXPECT_EQ(name.find("Caller 6"), 0u) << name;
-        EXPECT_EQ(Add(1, "65"), 0);
-        EXPECT_EQ(Names(0).size(), names.size() + 1);
-      });
+  FailEach(prepare, NS_GUARD::RestartHistory, [&](int listed, bool failed) {
+    const Strings names = Names(0);
+    if (!failed) {
+      EXPECT_EQ(listed, static_cast<int>(all.size()));
+      EXPECT_EQ(names, all);
+    }
+    for (const std::string& name : names) EXPECT_EQ(name.find("Caller 6"), 0u) << name;
+    EXPECT_EQ(Add(1, "65"), 0);
+    EXPECT_EQ(Names(0).size(), names.size() + 1);
+  });
 }
 
 TEST_F(AllocationFailureTest, AFailedSearchShowsNothingAndSpoilsNoOther) {
