@@ -9,17 +9,13 @@ class TiXmlDocument;
 
 namespace NS_CALLLOG {
 
-// Most levels of elements, and most attributes of one element, that a document may have.
-inline constexpr int kMaxXmlDepth = 64;
-inline constexpr int kMaxXmlAttributes = 64;
-
 // Loads the file at `path` into the new `document`. False when it cannot be loaded: no regular
-// file, not readable, out of memory, not well-formed, or beyond the limits above. A document
-// without a root element can be loaded. Its elements, attributes and texts are those that TinyXML
-// finds by itself, CDATA and attributes without quotes included. Beyond that a document type may
-// have a bracketed part, a processing instruction a ">" in front of its "?>"; comments part no
-// text, and an ampersand that begins no reference is kept. Text arrives as UTF-8, also from a
-// document that declares ISO-8859-1 or windows-1252. Malformed UTF-8 and characters that XML
+// file, not readable, out of memory, not well-formed, or beyond the limits of PlainXml.h. A
+// document without a root element can be loaded. Its elements, attributes and texts are those that
+// TinyXML finds by itself, CDATA and attributes without quotes included. Beyond that a document
+// type may have a bracketed part, a processing instruction a ">" in front of its "?>"; comments
+// part no text, and an ampersand that begins no reference is kept. Text arrives as UTF-8, also from
+// a document that declares ISO-8859-1 or windows-1252. Malformed UTF-8 and characters that XML
 // forbids arrive as U+FFFD.
 bool LoadXmlFile(TiXmlDocument* document, const std::string& path);
 
@@ -29,10 +25,5 @@ bool LoadXmlFile(TiXmlDocument* document, const std::string& path);
 // before its first "<"; such blocks of blanks are left out of `bytes`.
 bool ReadXmlFile(const std::string& path, std::string* bytes);
 bool ParseXml(TiXmlDocument* document, std::string bytes);
-
-// Turns the bytes of a document into what TinyXML can be handed safely: UTF-8, elements, attributes
-// and text alone, within the limits. False when the document cannot be loaded. `plain` is empty
-// when there is nothing for TinyXML to read.
-bool ToPlainXml(const std::string& bytes, std::string* plain);
 
 }  // namespace NS_CALLLOG
