@@ -85,7 +85,7 @@ BroadSoftConfigItem* CBSCallLogController::GetConfigDataByIndex(int index) const
 }
 
 void CBSCallLogController::SetConfigDataByIndex(int index, const BroadSoftConfigItem& item) {
-  Ask(m_pModel, false, &Model::SetConfigDataByIndex, index, item);
+  Tell(m_pModel, &Model::SetConfigDataByIndex, index, item);
 }
 
 std::string CBSCallLogController::GetBSCallLogDisplayName() {

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "BSCallLogController.h"
+#include "BSListResult.h"
 #include "CallLog/BSConfigDocument.h"
 #include "CallLog/Failure.h"
 #include "CallLog/FileWriter.h"

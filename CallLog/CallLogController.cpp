@@ -140,7 +140,7 @@ int CCallLogController::ResetLogContactName() {
 }
 
 void CCallLogController::UpdateDispName(const std::list<SuperSearchItemData>& names) {
-  if (m_pModel != nullptr) IgnoreFailure([&] { m_pModel->UpdateDispName(names); });
+  Tell(m_pModel, &Model::UpdateDispName, names);
 }
 
 int CCallLogController::SaveToFile() { return Ask(m_pModel, 0, &Model::SaveToFile); }
@@ -165,20 +165,16 @@ int CCallLogController::GetForwardedNotifyList(ForwardedNotifyList* list) const 
   return Ask(m_pModel, 0, &Model::GetForwardedNotifyList, list);
 }
 
-void CCallLogController::ResetMissedCall() {
-  if (m_pModel != nullptr) m_pModel->ResetMissedCall();
-}
+void CCallLogController::ResetMissedCall() { Tell(m_pModel, &Model::ResetMissedCall); }
 
-void CCallLogController::ResetForwardedCall() {
-  if (m_pModel != nullptr) m_pModel->ResetForwardedCall();
-}
+void CCallLogController::ResetForwardedCall() { Tell(m_pModel, &Model::ResetForwardedCall); }
 
 void CCallLogController::RemoveMissedDirtyByNumber(const std::string& number) {
-  if (m_pModel != nullptr) m_pModel->RemoveMissedDirtyByNumber(number);
+  Tell(m_pModel, &Model::RemoveMissedDirtyByNumber, number);
 }
 
 void CCallLogController::RemoveForwardDirtyByNumber(const std::string& number) {
-  if (m_pModel != nullptr) m_pModel->RemoveForwardDirtyByNumber(number);
+  Tell(m_pModel, &Model::RemoveForwardDirtyByNumber, number);
 }
 
 bool CCallLogController::GetContactDataByNumber(ContactGeneralItemData* contact,

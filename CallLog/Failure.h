@@ -38,4 +38,11 @@ Result Ask(const std::unique_ptr<Model>& model, Result failure, Operation operat
   });
 }
 
+// The same for an operation whose result nobody asks for.
+template <class Model, class Operation, class... Arguments>
+void Tell(const std::unique_ptr<Model>& model, Operation operation, Arguments&&... arguments) {
+  if (model == nullptr) return;
+  IgnoreFailure([&] { std::invoke(operation, *model, std::forward<Arguments>(arguments)...); });
+}
+
 }  // namespace NS_CALLLOG
