@@ -27,17 +27,7 @@ constexpr std::size_t kUsualLine = 256;       // bytes of one record
 constexpr std::size_t kLongestNumber = 11;    // "-2147483648"
 constexpr std::size_t kLongestReference = 6;  // "&quot;" for one character
 constexpr std::size_t kAroundAttribute = 4;   // a blank, the equals sign, two quotes
-constexpr std::size_t kAroundElement = 4;     // brackets, the slash, the line break
-
-// Bytes that the element takes at most when it is printed.
-std::size_t RoomFor(const rapidxml::xml_node<>& element) {
-  std::size_t room = element.name_size() + kAroundElement;
-  for (const auto* attribute = element.first_attribute(); attribute != nullptr;
-       attribute = attribute->next_attribute()) {
-    room += attribute->name_size() + kLongestReference * attribute->value_size() + kAroundAttribute;
-  }
-  return room;
-}
+constexpr std::size_t kBareItem = 8;          // "<item/>" and the line break
 
 // One record as one line. RapidXml is handed names and values where they stand, with their sizes:
 // they must live until the line is printed.
@@ -55,6 +45,7 @@ class HistoryLine {
   rapidxml::xml_document<> pool_;
   rapidxml::xml_node<> item_{rapidxml::node_element};
   std::string line_;
+  std::size_t room_ = kBareItem;  // bytes that the line takes at most: the printer knows no end
 };
 
 void HistoryLine::AppendNumber(std::string_view name, int number) {
@@ -75,17 +66,18 @@ void HistoryLine::AppendString(std::string_view name, const std::string& bytes) 
 void HistoryLine::AppendAttribute(std::string_view name, std::string_view value) {
   item_.append_attribute(
       pool_.allocate_attribute(name.data(), value.data(), name.size(), value.size()));
+  room_ += name.size() + kLongestReference * value.size() + kAroundAttribute;
 }
 
 void HistoryLine::PrintTo(std::string* text) {
   item_.name(kHistoryItem, sizeof kHistoryItem - 1);
-  const std::size_t room = RoomFor(item_);
-  if (line_.size() < room) line_.resize(room);
+  if (line_.size() < room_) line_.resize(room_);
   char* const end = rapidxml::print(line_.data(), item_, 0);
   text->push_back('\t');
   text->append(line_.data(), end);
   item_.remove_all_attributes();
   pool_.clear();
+  room_ = kBareItem;
 }
 
 }  // namespace
