@@ -2,6 +2,8 @@
 // sees a tag, a quote or a comment other than this pass has seen.
 #include "CallLog/PlainXml.h"
 
+#include <strings.h>
+
 #include <algorithm>
 #include <string_view>
 
@@ -67,6 +69,8 @@ class PlainXmlWriter {
   void KeepCharacter();
   bool KeepNode();
   bool KeepCData();
+  bool KeepWholeCData();
+  std::size_t KeepCDataCharacter();
   bool KeepOpenTag();
   bool KeepCloseTag();
   bool KeepAttributes();
@@ -115,7 +119,7 @@ void PlainXmlWriter::DropPast(std::string_view end) {
 
 // "<?...?>", or "<?...>" when no "?>" comes before the next one.
 void PlainXmlWriter::DropInstruction() {
-  if (Starts("<?xml") || Starts("<?XML")) return DropXmlDeclaration();
+  if (strncasecmp(rest_.data(), "<?xml", 5) == 0) return DropXmlDeclaration();  // up to a NUL
   const std::string_view head = rest_.substr(0, rest_.find("<?", 2));
   DropPast(head.find("?>") != std::string_view::npos ? "?>" : ">");
 }
@@ -195,9 +199,23 @@ bool PlainXmlWriter::KeepNode() {
   return Starts("</") ? KeepCloseTag() : KeepOpenTag();
 }
 
-// Stays what it is: in other text TinyXML condenses blanks. Behind the root element nothing is lost
-// with the end.
+// In an element it becomes text, of which there is one piece then, whoever asks for it. What is
+// blanks alone would be no text, and stays CDATA.
 bool PlainXmlWriter::KeepCData() {
+  const std::size_t end = rest_.find("]]>");
+  const std::string_view inside = rest_.substr(9, end - 9);
+  if (depth_ > 0 && end != std::string_view::npos && SpacesAtStart(inside) < inside.size()) {
+    Drop(9);
+    for (std::size_t left = inside.size(); left > 0;) left -= KeepCDataCharacter();
+    Drop(3);
+    return true;
+  }
+  if (depth_ > 0 && inside.empty()) return Drop(12), true;
+  return KeepWholeCData();
+}
+
+// Behind the root element nothing is lost with the end.
+bool PlainXmlWriter::KeepWholeCData() {
   const bool behindRoot = depth_ == 0 && Begun();
   Keep(9);
   for (;;) {
@@ -208,6 +226,22 @@ bool PlainXmlWriter::KeepCData() {
   }
   Keep(3);
   return true;
+}
+
+// As a reference where TinyXML would take it for markup, or condense it with other blanks. Its
+// length in the document.
+std::size_t PlainXmlWriter::KeepCDataCharacter() {
+  const std::size_t before = rest_.size();
+  switch (rest_.front()) {
+    case '<': Replace(1, "&lt;"); break;
+    case '&': Replace(1, "&amp;"); break;
+    case ' ': Replace(1, "&#32;"); break;
+    case '\t': Replace(1, "&#9;"); break;
+    case '\n': Replace(1, "&#10;"); break;
+    case '\r': Replace(1, "&#13;"); break;
+    default: KeepCharacter();
+  }
+  return before - rest_.size();
 }
 
 bool PlainXmlWriter::KeepOpenTag() {

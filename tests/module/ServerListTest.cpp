@@ -234,7 +234,7 @@ TEST_F(ServerListTest, ReadsDocumentsOfAllKinds) {
       // Blanks are condensed in text, and stay in CDATA.
       {"<?xml version='1.0'><a>" + Entry(" 1  \n 2 ") + Entry("<![CDATA[ 12  3\n]]>") +
            Entry(" a  b <![CDATA[ ]] &lt;\xC3\x01]]]> <c/> d ") + "</a>",
-       {"|1 2||", "| 12  3\n||", "|a b ]] &lt;" + r + r + "]d||"}},
+       {"|1 2||", "| 12  3\n||", "|a b  ]] &lt;" + r + r + "]d||"}},
       // Only direct children, and the first of each.
       {Document("<a>" + Entry("1") + "</a><callLogsEntry><a><name>no</name></a>" + Entry("no") +
                 "<phoneNumber>2</phoneNumber><phoneNumber>no</phoneNumber></callLogsEntry>"
