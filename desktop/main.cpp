@@ -7,16 +7,18 @@
 #include <memory>
 #include <string>
 
-#include "desktop/DemoRoot.h"
+#include "desktop/Demo.h"
 #include "desktop/console/CallImport.h"
 #include "desktop/console/CommandLine.h"
+#include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
 #include "desktop/console/ScriptInput.h"
 #include "desktop/console/Signals.h"
 #include "desktop/console/Terminal.h"
 #include "desktop/console/TimeInput.h"
-#include "desktop/phone/Phone.h"
+#include "desktop/phone/RootDirectory.h"
 #include "desktop/platform/Profile.h"
+#include "desktop/server/LogServer.h"
 #include "desktop/server/ServerProgram.h"
 
 namespace {
@@ -28,11 +30,11 @@ constexpr int kWrongCommands = 2;
 constexpr int kEndedBySignal = 128;  // and its number, as shells have it
 
 struct Options {
-  fs::path root;  // empty: none was named
+  fs::path root;
   bool demo = false;
   fs::path profile;
   std::string script;
-  fs::path firstRun;
+  fs::path firstDay;  // a script to begin with where there is no history
   int traceLevel = 0;
   fs::path traceFile;
   fs::path documents;
@@ -51,22 +53,14 @@ desk::Profile DefaultProfile() {
 std::unique_ptr<desk::DemoRoot> SetUpDemo(Options* options) {
   const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path demo = programs.parent_path() / "share/calllog";
-  for (fs::path* const named : {&options->root, &options->profile, &options->firstRun,
-                                &options->traceFile, &options->documents}) {
-    if (!named->empty()) *named = fs::absolute(*named);
-  }
-  if (options->profile.empty()) options->profile = demo / "profile.toml";
-  if (options->documents.empty()) options->documents = demo / "server";
   const bool atTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
   const bool plays = !atTerminal && options->script.empty();
   auto root = std::make_unique<desk::DemoRoot>(options->root, plays);
   options->root = root->path();
-  if (plays) {
-    options->script = "scenario.phone";
-    fs::current_path(demo);  // for the files that the scenario names
-  } else if (atTerminal && options->firstRun.empty()) {
-    options->firstRun = demo / "first-day.phone";
-  }
+  if (options->profile.empty()) options->profile = demo / "profile.toml";
+  if (options->documents.empty()) options->documents = demo / "server";
+  if (plays) options->script = demo / "scenario.phone";
+  if (atTerminal && options->firstDay.empty()) options->firstDay = demo / "first-day.phone";
   return root;
 }
 
@@ -76,48 +70,66 @@ std::unique_ptr<desk::Clock> MakeClock(bool manual) {
   return std::make_unique<desk::ManualClock>(desk::ParseLocalTime("2026-10-07 09:00:00"));
 }
 
-int RunScriptFile(desk::Phone& phone, const std::string& name) {
-  desk::ScriptInput input(phone, name);
-  std::istream lines(&input);
-  return desk::RunScript(phone, lines, name == "-" ? "standard input" : name, std::cerr);
-}
-
-int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
-  const bool atTerminal = isatty(STDIN_FILENO) != 0;
-  const bool scripted = !importing && (!options.script.empty() || !atTerminal);
-  const desk::Profile profile =
-      options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
+void SetTimeZone(const desk::Profile& profile, bool scripted) {
   if (!profile.timezone.empty()) {
     desk::SetTimeZone(profile.timezone);
   } else if (scripted) {
     desk::SetTimeZone("UTC0");
   }
+}
 
-  const fs::path root = options.root.empty() ? desk::RootDirectory::Default() : options.root;
-  std::cerr << "deskphone in " << fs::absolute(root).string() << "\n";
-  desk::Phone phone(root, profile, MakeClock(scripted), std::cout);
-  signals.WakeUp(phone.platform().loop.descriptor());
-  phone.interrupted = [&signals] { return signals.Ending() != 0; };
-  phone.platform().trace.SetLevel(options.traceLevel);
-  if (!options.traceFile.empty() &&
-      !phone.platform().trace.SetFile(phone.FromStart(options.traceFile))) {
+void SetTrace(const Options& options, desk::Console& console) {
+  desk::Trace& trace = console.phone.platform().trace;
+  trace.SetLevel(options.traceLevel);
+  if (!options.traceFile.empty() && !trace.SetFile(console.folder / options.traceFile)) {
     throw desk::CommandError("cannot write to " + options.traceFile.string());
   }
-  if (importing) {
-    options.import.Run(phone);
-    return 0;
-  }
-  if (!options.documents.empty()) phone.ServeDocuments(options.documents);
+}
+
+// The number of wrong lines. What the script names stands beside it.
+int RunScriptFile(desk::Console console, const std::string& name) {
+  desk::ScriptInput input(console, name);
+  std::istream lines(&input);
+  if (name != "-") console.folder /= fs::path(name).parent_path();
+  return desk::RunScript(console, lines, name == "-" ? "standard input" : name, std::cerr);
+}
+
+// By hand, or by a script; the number of its wrong lines.
+int UsePhone(const Options& options, desk::Console& console, desk::Signals& signals) {
+  if (console.logServer != nullptr) desk::SetUpSources(*console.logServer);
   int wrong = 0;
-  if (!options.firstRun.empty() && !fs::exists(phone.HistoryFile())) {
-    wrong += RunScriptFile(phone, options.firstRun.string());
+  if (!options.firstDay.empty() && !fs::exists(console.phone.HistoryFile())) {
+    wrong = RunScriptFile(console, options.firstDay);
   }
-  if (scripted) {
-    wrong += RunScriptFile(phone, options.script.empty() ? "-" : options.script);
+  if (!options.script.empty()) return wrong + RunScriptFile(console, options.script);
+  console.out << "\"help\" lists the commands; \"quit\" leaves.\n";
+  desk::RunTerminal(console, signals);
+  return wrong;
+}
+
+int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
+  const bool scripted = !importing && !options.script.empty();
+  const desk::Profile profile =
+      options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
+  SetTimeZone(profile, scripted);
+  const fs::path start = fs::current_path();
+  std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
+  const bool serves = !importing && !options.documents.empty();
+  const auto server = serves ? desk::ServeDocuments(options.documents) : nullptr;
+  desk::Phone phone(options.root, profile, MakeClock(scripted));
+  desk::Console console{phone, std::cout, start, server.get()};
+  desk::ReportNews(console);
+  signals.WakeUp(phone.platform().loop.descriptor());
+  phone.interrupted = [&signals] { return signals.Ending() != 0; };
+  SetTrace(options, console);
+  int wrong = 0;
+  if (importing) {
+    options.import.Run(console);
   } else {
-    std::cout << "\"help\" lists the commands; \"quit\" leaves.\n";
-    desk::RunTerminal(phone, signals);
+    wrong = UsePhone(options, console, signals);
   }
+  phone.Save();
+  desk::ReportNews(console);
   return wrong > 0 ? kWrongCommands : 0;
 }
 
@@ -131,7 +143,7 @@ void AddOptions(CLI::App* app, Options* options) {
   app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
   app->add_option("--script", options->script,
                   "runs the commands of a file (\"-\": standard input) on a clock of its own");
-  app->add_option("--first-run", options->firstRun,
+  app->add_option("--first-run", options->firstDay,
                   "commands to run first when the phone has no history yet");
   app->add_option("--log-server", options->documents,
                   "serves call logs from this directory, and sets up sources for them");
@@ -165,6 +177,8 @@ int RunPhoneUntilSignal(Options* options, bool importing) {
   desk::Signals signals;
   const int status = Run([&] {
     const auto demoRoot = options->demo ? SetUpDemo(options) : nullptr;
+    if (options->root.empty()) options->root = desk::RootDirectory::Default();
+    if (options->script.empty() && isatty(STDIN_FILENO) == 0) options->script = "-";
     return RunPhone(*options, importing, signals);
   });
   return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;

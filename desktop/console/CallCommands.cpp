@@ -22,8 +22,8 @@ Account AccountOf(Phone& phone, const std::string& fullName) {
   return accounts.empty() ? Account() : accounts.front();
 }
 
-int CallTime(Phone& phone, Arguments& arguments) {
-  std::time_t time = phone.platform().clock().Wall();
+int CallTime(Console& console, Arguments& arguments) {
+  std::time_t time = console.phone.platform().clock().Wall();
   if (arguments.HasOption("at")) time = ParseLocalTime(arguments.Option("at"));
   if (arguments.HasOption("ago")) {
     time -= std::chrono::duration_cast<std::chrono::seconds>(ParseSpan(arguments.Option("ago")))
@@ -33,17 +33,17 @@ int CallTime(Phone& phone, Arguments& arguments) {
   return static_cast<int>(time);
 }
 
-void Call(Phone& phone, Arguments& arguments) {
+void Call(Console& console, Arguments& arguments) {
   arguments.AllowOptions(
       {"name", "server", "account", "duration", "at", "ago", "to", "to-name", "to-server"});
   CallLogAddItemData call;
   call.type = ParseCallType(arguments.Word("the call type"));
   call.remote_sip_name = arguments.Word("the number");
   arguments.Done();
-  const Account account = AccountOf(phone, arguments.Option("account"));
+  const Account account = AccountOf(console.phone, arguments.Option("account"));
   call.local_sip_name = account.name;
   call.local_sip_server = account.server;
-  call.born_tick = CallTime(phone, arguments);
+  call.born_tick = CallTime(console, arguments);
   call.duration = ParseInt(arguments.Option("duration", "0"), "the duration");
   call.remote_display_name = arguments.Option("name");
   call.remote_sip_server = arguments.Option("server", account.server);
@@ -51,18 +51,18 @@ void Call(Phone& phone, Arguments& arguments) {
   call.forward_display_name = arguments.Option("to-name");
   call.forward_sip_server =
       arguments.Option("to-server", call.forward_sip_name.empty() ? "" : account.server);
-  const std::string refusal = AddCall(phone.platform(), call);
-  if (!refusal.empty()) phone.out() << "  refused: " << refusal << "\n";
+  const std::string refusal = AddCall(console.phone.platform(), call);
+  if (!refusal.empty()) console.out << "  refused: " << refusal << "\n";
 }
 
-void Import(Phone& phone, Arguments& arguments) {
+void Import(Console& console, Arguments& arguments) {
   arguments.AllowOptions({"server"});
   CallImport import;
   import.file = arguments.Word("the file");
   import.extension = arguments.Word("the extension");
-  import.server = arguments.Option("server", AccountOf(phone, "").server);
+  import.server = arguments.Option("server", AccountOf(console.phone, "").server);
   arguments.Done();
-  import.Run(phone);
+  import.Run(console);
 }
 
 }  // namespace

@@ -15,10 +15,10 @@
 #include "CallLog.h"
 #include "desktop/cdr/CallRecords.h"
 #include "desktop/console/CommandLine.h"
+#include "desktop/console/Console.h"
 #include "desktop/console/ProgressBar.h"
 #include "desktop/console/Screen.h"
 #include "desktop/phone/AddCall.h"
-#include "desktop/phone/Phone.h"
 #include "desktop/platform/Text.h"
 
 namespace desk {
@@ -26,8 +26,8 @@ namespace {
 
 constexpr int kTypes = 5;
 
-CdrImport Read(const CallImport& what, Phone& phone) {
-  const std::filesystem::path path = phone.FromStart(what.file);
+CdrImport Read(const CallImport& what, const Console& console) {
+  const std::filesystem::path path = console.folder / what.file;
   std::ifstream file(path, std::ios::binary);
   if (!file || !std::filesystem::is_regular_file(path)) {
     throw CommandError("cannot read " + path.string() + ": " +
@@ -37,7 +37,7 @@ CdrImport Read(const CallImport& what, Phone& phone) {
   const auto size = std::filesystem::file_size(path, unknown);
   ProgressBar bar(std::cerr, isatty(STDERR_FILENO) != 0, unknown ? 0 : size);
   const auto progress = [&](std::uint64_t done) {
-    if (phone.interrupted()) throw CommandError("interrupted; no call was brought in");
+    if (console.phone.interrupted()) throw CommandError("interrupted; no call was brought in");
     bar.Update(done);
   };
   CdrImport import = ReadCallRecords(file, {what.extension, what.server, progress});
@@ -67,13 +67,13 @@ void PrintLists(std::ostream& out) {
 
 }  // namespace
 
-void CallImport::Run(Phone& phone) const {
-  std::ostream& out = phone.out();
-  const CdrImport import = Read(*this, phone);
+void CallImport::Run(Console& console) const {
+  std::ostream& out = console.out;
+  const CdrImport import = Read(*this, console);
   std::array<int, kTypes> counts{};
   std::map<std::string, int> refused;  // by reason
   for (const CallLogAddItemData& call : import.calls) {
-    const std::string refusal = AddCall(phone.platform(), call);
+    const std::string refusal = AddCall(console.phone.platform(), call);
     ++(refusal.empty() ? counts[static_cast<std::size_t>(call.type)] : refused[refusal]);
   }
   out << Format("  %zu records: %d outgoing, %d missed, %d received", import.rows, counts[1],
@@ -83,7 +83,7 @@ void CallImport::Run(Phone& phone) const {
     out << "  " << count << (count == 1 ? " call" : " calls") << " refused: " << reason << "\n";
   }
   PrintBadRows(out, file, import.bad);
-  phone.ReportChanges();
+  ReportNews(console);
   PrintLists(out);
 }
 

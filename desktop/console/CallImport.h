@@ -5,7 +5,7 @@
 
 namespace desk {
 
-class Phone;
+struct Console;
 
 struct CallImport {
   std::string file;
@@ -13,7 +13,7 @@ struct CallImport {
   std::string server;  // SIP server of the phone's account and of the callers
 
   // Throws CommandError when the file cannot be read, or the phone is interrupted meanwhile.
-  void Run(Phone& phone) const;
+  void Run(Console& console) const;
 };
 
 }  // namespace desk

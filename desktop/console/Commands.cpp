@@ -21,7 +21,7 @@ const Command* FindCommand(const std::string& name) {
   return nullptr;
 }
 
-void RunCommand(Phone& phone, const std::string& line) {
+void RunCommand(Console& console, const std::string& line) {
   std::vector<std::string> words = SplitWords(line);
   if (words.empty()) return;
   const Command* const command = FindCommand(words.front());
@@ -30,9 +30,9 @@ void RunCommand(Phone& phone, const std::string& line) {
   }
   words.erase(words.begin());
   Arguments arguments(std::move(words), command->name + " " + command->arguments);
-  command->run(phone, arguments);
-  phone.platform().RunDue();
-  phone.ReportChanges();
+  command->run(console, arguments);
+  console.phone.platform().RunDue();
+  ReportNews(console);
 }
 
 }  // namespace desk

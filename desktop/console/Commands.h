@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "desktop/console/CommandLine.h"
-#include "desktop/phone/Phone.h"
+#include "desktop/console/Console.h"
 
 namespace desk {
 
@@ -13,7 +13,7 @@ struct Command {
   std::string name;
   std::string arguments;  // as help shows them
   std::string help;       // one line
-  void (*run)(Phone& phone, Arguments& arguments);
+  void (*run)(Console& console, Arguments& arguments);
 };
 
 struct CommandGroup {
@@ -27,7 +27,7 @@ const std::vector<CommandGroup>& AllCommands();
 const Command* FindCommand(const std::string& name);
 
 // Carries out one line and prints what came of it; throws CommandError for a wrong one.
-void RunCommand(Phone& phone, const std::string& line);
+void RunCommand(Console& console, const std::string& line);
 
 // The groups, each in its own file.
 CommandGroup CallCommands();

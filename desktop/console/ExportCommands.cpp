@@ -8,13 +8,13 @@
 namespace desk {
 namespace {
 
-void Returned(Phone& phone, int value) { phone.out() << "  returned " << value << "\n"; }
+void Returned(Console& console, int value) { console.out << "  returned " << value << "\n"; }
 
-void Returned(Phone& phone, const std::string& value) {
-  phone.out() << "  returned \"" << Printable(value) << "\"\n";
+void Returned(Console& console, const std::string& value) {
+  console.out << "  returned \"" << Printable(value) << "\"\n";
 }
 
-void AddLog(Phone& phone, Arguments& arguments) {
+void AddLog(Console& console, Arguments& arguments) {
   CallLogAddItemData call;
   call.type = ParseInt(arguments.Word("type"), "type");
   call.remote_sip_name = arguments.Word("remote_sip_name");
@@ -22,57 +22,57 @@ void AddLog(Phone& phone, Arguments& arguments) {
   call.born_tick = ParseInt(arguments.WordOr("0"), "born_tick");
   call.duration = ParseInt(arguments.WordOr("0"), "duration");
   arguments.Done();
-  Returned(phone, CallLog_AddLog(call));
+  Returned(console, CallLog_AddLog(call));
 }
 
-void UpdateLog(Phone& phone, Arguments& arguments) {
+void UpdateLog(Console& console, Arguments& arguments) {
   CallLogUpdateData contact;
   contact.display_name = arguments.Word("display_name");
   contact.number_1 = arguments.WordOr("");
   contact.number_2 = arguments.WordOr("");
   contact.number_3 = arguments.WordOr("");
   arguments.Done();
-  Returned(phone, CallLog_UpdateLog(contact));
+  Returned(console, CallLog_UpdateLog(contact));
 }
 
 // Asks for a page with the request of the next two words, and prints what came.
 template <class Page, class Ask>
-void AskForPage(Phone& phone, Arguments& arguments, Ask ask) {
+void AskForPage(Console& console, Arguments& arguments, Ask ask) {
   Page page;
   page.request_index = ParseInt(arguments.WordOr("0"), "request_index");
   page.request_count = ParseInt(arguments.WordOr("10"), "request_count");
   arguments.Done();
-  Returned(phone, ask(&page));
-  phone.out() << "  total " << page.total << "\n";
+  Returned(console, ask(&page));
+  console.out << "  total " << page.total << "\n";
   std::vector<std::vector<std::string>> rows;
   for (const auto& item : page.items) {
     rows.push_back({Printable(item.display_name), Printable(item.number)});
   }
-  PrintTable(phone.out(), rows);
+  PrintTable(console.out, rows);
 }
 
-void Search(Phone& phone, Arguments& arguments) {
+void Search(Console& console, Arguments& arguments) {
   const std::string key = arguments.Word("the key");
   AskForPage<CallLogSearchListData>(
-      phone, arguments, [&](CallLogSearchListData* page) { return CallLog_Search(page, key); });
+      console, arguments, [&](CallLogSearchListData* page) { return CallLog_Search(page, key); });
 }
 
-void RecentOutCall(Phone& phone, Arguments& arguments) {
-  AskForPage<CallLogSearchListData>(phone, arguments, CallLog_SearchRecentOutCall);
+void RecentOutCall(Console& console, Arguments& arguments) {
+  AskForPage<CallLogSearchListData>(console, arguments, CallLog_SearchRecentOutCall);
 }
 
-void SuperRecentOutCall(Phone& phone, Arguments& arguments) {
-  AskForPage<SuperSearchListData>(phone, arguments, CallLog_SuperSearchRecentOutCall);
+void SuperRecentOutCall(Console& console, Arguments& arguments) {
+  AskForPage<SuperSearchListData>(console, arguments, CallLog_SuperSearchRecentOutCall);
 }
 
 template <auto Function>
-void Plain(Phone& phone, Arguments& arguments) {
+void Plain(Console& console, Arguments& arguments) {
   arguments.Done();
-  Returned(phone, Function());
+  Returned(console, Function());
 }
 
 template <auto Function>
-void WithNumber(Phone& /*phone*/, Arguments& arguments) {
+void WithNumber(Console& /*console*/, Arguments& arguments) {
   const bool null = !arguments.HasWord();
   const std::string number = arguments.WordOr("");
   arguments.Done();

@@ -5,31 +5,31 @@
 namespace desk {
 namespace {
 
-void Help(Phone& phone, Arguments& arguments) {
+void Help(Console& console, Arguments& arguments) {
   if (arguments.HasWord()) {
     const std::string name = arguments.Word("the command");
     arguments.Done();
     const Command* const command = FindCommand(name);
     if (command == nullptr) throw CommandError("unknown command \"" + name + "\"");
-    phone.out() << "  " << command->name << " " << command->arguments << "\n  " << command->help
+    console.out << "  " << command->name << " " << command->arguments << "\n  " << command->help
                 << "\n";
     return;
   }
   for (const CommandGroup& group : AllCommands()) {
-    phone.out() << "  " << group.title << "\n";
+    console.out << "  " << group.title << "\n";
     std::vector<std::vector<std::string>> rows;
     for (const Command& command : group.commands) {
       rows.push_back({" " + command.name, command.help});
     }
-    PrintTable(phone.out(), rows);
+    PrintTable(console.out, rows);
   }
-  phone.out() << "  \"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
+  console.out << "  \"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
                  "name=\"Anna Berg\".\n";
 }
 
-void Quit(Phone& phone, Arguments& arguments) {
+void Quit(Console& console, Arguments& arguments) {
   arguments.Done();
-  phone.wantsToQuit = true;
+  console.wantsToQuit = true;
 }
 
 }  // namespace

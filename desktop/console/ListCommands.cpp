@@ -12,7 +12,7 @@ using NS_CALLLOG::CCallLogController;
 
 CCallLogController& Controller() { return *CCallLogController::GetInstance(); }
 
-void List(Phone& phone, Arguments& arguments) {
+void List(Console& console, Arguments& arguments) {
   constexpr char kAllRows[] = "400";
   const std::string type = arguments.WordOr("all");
   CallLogSimpleListData page;
@@ -20,27 +20,27 @@ void List(Phone& phone, Arguments& arguments) {
   page.request_count = ParseInt(arguments.WordOr(kAllRows), "the number of rows");
   arguments.Done();
   if (Controller().GetLogListByClickAction(&page, ListAction(type)) != 1) {
-    phone.out() << "  no such list or page\n";
+    console.out << "  no such list or page\n";
     return;
   }
-  PrintCallList(phone.out(), Printable(type), page);
+  PrintCallList(console.out, Printable(type), page);
 }
 
-void Detail(Phone& phone, Arguments& arguments) {
+void Detail(Console& console, Arguments& arguments) {
   const std::string action = ListAction(arguments.Word("the call type"));
   const int row = ParseInt(arguments.Word("the row"), "the row");
   arguments.Done();
   CallLogDetailData detail;
   if (Controller().GetLogDetailByClickAction(&detail, action, row) != 1) {
-    phone.out() << "  no such row\n";
+    console.out << "  no such row\n";
     return;
   }
-  PrintDetail(phone.out(), detail);
+  PrintDetail(console.out, detail);
   const std::string icon = Controller().GetImagePathByType(detail.type);
-  if (!icon.empty()) phone.out() << "  icon  " << icon << "\n";
+  if (!icon.empty()) console.out << "  icon  " << icon << "\n";
 }
 
-void Remove(Phone& phone, Arguments& arguments) {
+void Remove(Console& console, Arguments& arguments) {
   const std::string action = ListAction(arguments.Word("the call type"));
   const std::string first = arguments.Word("the row, rows, or \"all\"");
   int result = 0;
@@ -53,21 +53,22 @@ void Remove(Phone& phone, Arguments& arguments) {
     result = rows.size() == 1 ? Controller().RemoveLog(action, rows.front())
                               : Controller().RemoveLogList(action, rows);
   }
-  phone.out() << (result == 1 ? "  removed\n" : "  nothing removed\n");
+  console.out << (result == 1 ? "  removed\n" : "  nothing removed\n");
 }
 
-void Last(Phone& phone, Arguments& arguments) {
+void Last(Console& console, Arguments& arguments) {
   arguments.Done();
   const auto shown = [](const std::string& number) {
     return number.empty() ? std::string("none") : Printable(number);
   };
-  phone.out() << "  last in " << shown(CallLog_GetLastNewInCall()) << ", last out "
+  console.out << "  last in " << shown(CallLog_GetLastNewInCall()) << ", last out "
               << shown(CallLog_GetLastOutCall()) << "\n";
 }
 
-void Idle(Phone& phone, Arguments& arguments) {
+void Idle(Console& console, Arguments& arguments) {
   arguments.Done();
-  PrintIdleScreen(phone.out(), phone.platform().display, phone.platform().clock().Wall());
+  PrintIdleScreen(console.out, console.phone.platform().display,
+                  console.phone.platform().clock().Wall());
 }
 
 // True for missed, false for forwarded.
@@ -77,21 +78,21 @@ bool IsMissedKind(const std::string& kind) {
   throw CommandError("missed or forwarded is wanted, not \"" + kind + "\"");
 }
 
-void NewCalls(Phone& phone, Arguments& arguments) {
+void NewCalls(Console& console, Arguments& arguments) {
   const bool missed = IsMissedKind(arguments.Word("missed or forwarded"));
   arguments.Done();
   if (missed) {
     MissedNotifyListData list;
     Controller().GetMissedNotifyList(&list);
-    PrintMissed(phone.out(), list);
+    PrintMissed(console.out, list);
   } else {
     ForwardedNotifyList list;
     Controller().GetForwardedNotifyList(&list);
-    PrintForwarded(phone.out(), list);
+    PrintForwarded(console.out, list);
   }
 }
 
-void DealtWith(Phone& /*phone*/, Arguments& arguments) {
+void DealtWith(Console& /*console*/, Arguments& arguments) {
   const bool missed = IsMissedKind(arguments.Word("missed or forwarded"));
   const std::string number = arguments.Word("the number");
   arguments.Done();
@@ -103,7 +104,7 @@ void DealtWith(Phone& /*phone*/, Arguments& arguments) {
 }
 
 // What pages of older phones call; the module offers it without an effect.
-void Reset(Phone& /*phone*/, Arguments& arguments) {
+void Reset(Console& /*console*/, Arguments& arguments) {
   const bool missed = IsMissedKind(arguments.Word("missed or forwarded"));
   arguments.Done();
   if (missed) {

@@ -7,24 +7,25 @@
 
 namespace desk {
 
-int RunScript(Phone& phone, std::istream& lines, const std::string& name, std::ostream& errors) {
+int RunScript(Console& console, std::istream& lines, const std::string& name,
+              std::ostream& errors) {
   int wrong = 0;
   int number = 0;
-  for (std::string line; !phone.wantsToQuit && std::getline(lines, line);) {
-    if (phone.interrupted()) break;  // it may be half a line
+  for (std::string line; !console.wantsToQuit && std::getline(lines, line);) {
+    if (console.phone.interrupted()) break;  // it may be half a line
     ++number;
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    phone.out() << (line.empty() || line.front() == '#' ? "" : "phone> ") << Printable(line)
+    console.out << (line.empty() || line.front() == '#' ? "" : "phone> ") << Printable(line)
                 << "\n";
     try {
-      RunCommand(phone, line);
+      RunCommand(console, line);
     } catch (const CommandError& error) {
       ++wrong;
-      phone.out() << std::flush;
+      console.out << std::flush;
       errors << name << ":" << number << ": " << Printable(error.what()) << std::endl;
     }
   }
-  phone.out() << std::flush;
+  console.out << std::flush;
   return wrong;
 }
 

@@ -7,11 +7,11 @@
 
 namespace desk {
 
-class Phone;
+struct Console;
 
 // Runs every line, each shown before its output as a terminal would show it. A wrong line is
 // reported to `errors` as "NAME:LINE: reason", and the script goes on; an interruption ends it. The
 // number of wrong lines.
-int RunScript(Phone& phone, std::istream& lines, const std::string& name, std::ostream& errors);
+int RunScript(Console& console, std::istream& lines, const std::string& name, std::ostream& errors);
 
 }  // namespace desk

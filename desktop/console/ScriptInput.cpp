@@ -6,14 +6,14 @@
 #include <unistd.h>
 
 #include "desktop/console/CommandLine.h"
-#include "desktop/phone/Phone.h"
+#include "desktop/console/Console.h"
 
 namespace desk {
 
-ScriptInput::ScriptInput(Phone& phone, const std::string& name)
-    : phone_(phone),
+ScriptInput::ScriptInput(Console& console, const std::string& name)
+    : phone_(console.phone),
       descriptor_(name == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
-                              : open(phone.FromStart(name).c_str(), O_RDONLY | O_CLOEXEC)) {
+                              : open((console.folder / name).c_str(), O_RDONLY | O_CLOEXEC)) {
   if (descriptor_ < 0) throw CommandError("cannot read " + name);
 }
 

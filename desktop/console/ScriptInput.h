@@ -9,11 +9,12 @@
 namespace desk {
 
 class Phone;
+struct Console;
 
 class ScriptInput : public std::streambuf {
  public:
   // "-": standard input. Throws CommandError when the file cannot be opened.
-  ScriptInput(Phone& phone, const std::string& name);
+  ScriptInput(Console& console, const std::string& name);
   ~ScriptInput() override;
   ScriptInput(const ScriptInput&) = delete;
   ScriptInput& operator=(const ScriptInput&) = delete;

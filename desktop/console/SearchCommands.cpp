@@ -33,7 +33,7 @@ std::size_t LetterLength(const std::string& text, std::size_t position) {
 }
 
 // Key by key, as the search page of a phone asks: each key narrows the list.
-void Search(Phone& phone, Arguments& arguments) {
+void Search(Console& console, Arguments& arguments) {
   const std::string key = arguments.Word("the key");
   const int first = ParseInt(arguments.WordOr("0"), "the first row");
   arguments.Done();
@@ -44,16 +44,16 @@ void Search(Phone& phone, Arguments& arguments) {
     page.request_index = end == key.size() ? first : 0;
     page.request_count = kRowsShown;
     if (CallLog_Search(&page, key.substr(0, end)) != 1) {
-      phone.out() << "  no such page\n";
+      console.out << "  no such page\n";
       return;
     }
-    phone.out() << "  " << Printable(key.substr(0, end)) << ": " << page.total
+    console.out << "  " << Printable(key.substr(0, end)) << ": " << page.total
                 << (page.total == 1 ? " hit\n" : " hits\n");
   }
-  PrintHits(phone.out(), page);
+  PrintHits(console.out, page);
 }
 
-void Dialled(Phone& phone, Arguments& arguments) {
+void Dialled(Console& console, Arguments& arguments) {
   const bool cut = arguments.WordOr("all") == "top";
   arguments.Done();
   CallLogSearchListData all;
@@ -62,12 +62,12 @@ void Dialled(Phone& phone, Arguments& arguments) {
   const int result =
       cut ? CallLog_SuperSearchRecentOutCall(&top) : CallLog_SearchRecentOutCall(&all);
   const int total = cut ? top.total : all.total;
-  phone.out() << "  most dialled: " << (result == 1 ? total : 0)
+  console.out << "  most dialled: " << (result == 1 ? total : 0)
               << (total == 1 ? " number\n" : " numbers\n");
   if (cut) {
-    PrintHits(phone.out(), top);
+    PrintHits(console.out, top);
   } else {
-    PrintHits(phone.out(), all);
+    PrintHits(console.out, all);
   }
 }
 
@@ -83,24 +83,24 @@ void ReportRenamed(const std::vector<std::string>& numbers, const std::string& n
   }
 }
 
-void Rename(Phone& phone, Arguments& arguments) {
+void Rename(Console& console, Arguments& arguments) {
   const std::string number = arguments.Word("a number of the contact");
   const std::string name = arguments.WordOr("");
   arguments.Done();
-  Contacts& contacts = phone.platform().contacts;
+  Contacts& contacts = console.phone.platform().contacts;
   std::vector<std::string> numbers = {number};
   if (const Contact* contact = contacts.FindByNumber(number)) numbers = contact->numbers;
   contacts.Rename(number, name);
   ReportRenamed(numbers, name);
-  phone.out() << "  " << numbers.size() << (numbers.size() == 1 ? " number" : " numbers")
+  console.out << "  " << numbers.size() << (numbers.size() == 1 ? " number" : " numbers")
               << (name.empty() ? " without a name now\n" : " renamed\n");
 }
 
 // The directory was loaded anew: every name in it is handed over at once.
-void RefreshNames(Phone& phone, Arguments& arguments) {
+void RefreshNames(Console& console, Arguments& arguments) {
   arguments.Done();
   std::list<SuperSearchItemData> names;
-  for (const Contact& contact : phone.platform().contacts.All()) {
+  for (const Contact& contact : console.phone.platform().contacts.All()) {
     for (const std::string& number : contact.numbers) {
       SuperSearchItemData entry;
       entry.display_name = contact.name;
@@ -109,13 +109,13 @@ void RefreshNames(Phone& phone, Arguments& arguments) {
     }
   }
   CCallLogController::GetInstance()->UpdateDispName(names);
-  phone.out() << "  " << names.size() << " numbers handed over\n";
+  console.out << "  " << names.size() << " numbers handed over\n";
 }
 
-void ForgetNames(Phone& phone, Arguments& arguments) {
+void ForgetNames(Console& console, Arguments& arguments) {
   arguments.Done();
   CallLog_ResetLogContactName();
-  phone.out() << "  every call shows its number\n";
+  console.out << "  every call shows its number\n";
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "desktop/console/SourceCheck.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TransferUrl.h"
+#include "desktop/server/LogServer.h"
 
 namespace desk {
 namespace {
@@ -17,7 +18,7 @@ using NS_CALLLOG::CBSCallLogController;
 
 CBSCallLogController& Controller() { return *CBSCallLogController::GetInstance(); }
 
-void Sources(Phone& phone, Arguments& arguments) {
+void Sources(Console& console, Arguments& arguments) {
   arguments.Done();
   std::vector<std::vector<std::string>> rows;
   for (int i = 0; i < Controller().GetTotalConfigurableItemCount(); ++i) {
@@ -29,10 +30,10 @@ void Sources(Phone& phone, Arguments& arguments) {
                     source.user_name.empty() ? "" : Printable("as " + source.user_name)});
   }
   const std::string name = CallLog_GetBSCallLogDisplayName();
-  phone.out() << "  server call logs are "
+  console.out << "  server call logs are "
               << (CallLog_IsBroadSoftCallLogConfigured() == 1 ? "shown" : "not shown")
               << (name.empty() ? "" : " as \"" + Printable(name) + "\"") << "\n";
-  PrintTable(phone.out(), rows);
+  PrintTable(console.out, rows);
 }
 
 // What an answer means; empty when the page was filled.
@@ -59,7 +60,7 @@ std::string QueryFor(const std::string& typed) {
   return typed.rfind(kNameQuery, 0) == 0 ? typed : EscapeQuery(typed);
 }
 
-void Server(Phone& phone, Arguments& arguments) {
+void Server(Console& console, Arguments& arguments) {
   arguments.AllowOptions({"query", "refresh"});
   const std::string source = arguments.Word("the source");
   CallLogSimpleListData page;
@@ -70,45 +71,46 @@ void Server(Phone& phone, Arguments& arguments) {
   const int result = Controller().GetLogListByClickAction(
       &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
   if (result == NS_CALLLOG::BS_LIST_OK) {
-    PrintCallList(phone.out(), "source " + Printable(source), page);
+    PrintCallList(console.out, "source " + Printable(source), page);
   } else {
-    phone.out() << "  " << Explain(result) << "\n";
+    console.out << "  " << Explain(result) << "\n";
   }
 }
 
-void Entry(Phone& phone, Arguments& arguments) {
+void Entry(Console& console, Arguments& arguments) {
   const int row = ParseInt(arguments.Word("the row"), "the row");
   arguments.Done();
   CallLogDetailData detail;
   if (Controller().GetLogDetailByIndex(&detail, row)) {
-    PrintDetail(phone.out(), detail);
+    PrintDetail(console.out, detail);
   } else {
-    phone.out() << "  no such row\n";
+    console.out << "  no such row\n";
   }
 }
 
 // To the local directory, or to its block list.
-void Keep(Phone& phone, Arguments& arguments) {
+void Keep(Console& console, Arguments& arguments) {
   const int row = ParseInt(arguments.Word("the row"), "the row");
   const bool blocked = arguments.WordOr("") == "block";
   arguments.Done();
   const bool kept =
       blocked ? Controller().AddToLocalBlackDir(row) : Controller().AddToLocalDir(row);
-  phone.out() << (kept ? "  kept\n" : "  not offered for server call logs\n");
+  console.out << (kept ? "  kept\n" : "  not offered for server call logs\n");
 }
 
-void Cancel(Phone& phone, Arguments& arguments) {
+void Cancel(Console& console, Arguments& arguments) {
   arguments.Done();
-  phone.out() << (Controller().CancelDownload() ? "  cancelled; the next request fetches it anew\n"
+  console.out << (Controller().CancelDownload() ? "  cancelled; the next request fetches it anew\n"
                                                 : "  no list was asked for\n");
 }
 
-void Await(Phone& phone, Arguments& arguments) {
+void Await(Console& console, Arguments& arguments) {
   arguments.Done();
-  if (!phone.AwaitTransfers()) phone.out() << "  the wait was interrupted; the download goes on\n";
+  if (!console.phone.AwaitTransfers())
+    console.out << "  the wait was interrupted; the download goes on\n";
 }
 
-void Source(Phone& phone, Arguments& arguments) {
+void Source(Console& console, Arguments& arguments) {
   arguments.AllowOptions({"name", "server", "port", "user", "password"});
   const int index = ParseInt(arguments.Word("the source"), "the source");
   arguments.Done();
@@ -123,37 +125,37 @@ void Source(Phone& phone, Arguments& arguments) {
   const std::string refusal = WhyUnusable(source);
   if (!refusal.empty()) throw CommandError(refusal);
   Controller().SetConfigDataByIndex(index, source);
-  phone.out() << "  source " << index << " is set\n";
+  console.out << "  source " << index << " is set\n";
 }
 
-void Reload(Phone& phone, Arguments& arguments) {
+void Reload(Console& console, Arguments& arguments) {
   arguments.Done();
   const bool loaded = Controller().ReloadBSCallLogConfig();
-  phone.out() << (loaded ? "  " + std::to_string(Controller().GetTotalConfigurableItemCount()) +
+  console.out << (loaded ? "  " + std::to_string(Controller().GetTotalConfigurableItemCount()) +
                                " sources\n"
                          : "  the file cannot be read; there are no sources\n");
 }
 
 // The module takes the name from its file only: a phone's provisioning writes it there.
-void DisplayName(Phone& phone, Arguments& arguments) {
+void DisplayName(Console& console, Arguments& arguments) {
   const std::string name = arguments.WordOr("");
   arguments.Done();
   Controller();  // creates the file when there is none
-  TiXmlDocument file(phone.SourcesFile().string());
+  TiXmlDocument file(console.phone.SourcesFile().string());
   TiXmlElement* const root = file.LoadFile() ? file.RootElement() : nullptr;
-  if (root == nullptr) throw CommandError("cannot read " + phone.SourcesFile().string());
+  if (root == nullptr) throw CommandError("cannot read " + console.phone.SourcesFile().string());
   root->SetAttribute("display_name", name.c_str());
-  if (!file.SaveFile()) throw CommandError("cannot write " + phone.SourcesFile().string());
+  if (!file.SaveFile()) throw CommandError("cannot write " + console.phone.SourcesFile().string());
   Controller().ReloadBSCallLogConfig();
 }
 
-void MisbehaveAs(Phone& phone, Arguments& arguments) {
+void MisbehaveAs(Console& console, Arguments& arguments) {
   const std::string path = arguments.Word("the path");
   const std::string behaviour = arguments.Word("how");
   arguments.Done();
-  if (phone.logServer() == nullptr) throw CommandError("this phone has no log server of its own");
+  if (console.logServer == nullptr) throw CommandError("this phone has no log server of its own");
   try {
-    phone.logServer()->Misbehave(path, ParseBehaviour(behaviour));
+    console.logServer->Misbehave(path, ParseBehaviour(behaviour));
   } catch (const std::invalid_argument& error) {
     throw CommandError(error.what());
   }

@@ -13,22 +13,22 @@ namespace {
 
 const char* OnOff(bool on) { return on ? "on" : "off"; }
 
-void Config(Phone& phone, Arguments& arguments) {
-  auto& config = phone.platform().config;
+void Config(Console& console, Arguments& arguments) {
+  auto& config = console.phone.platform().config;
   if (!arguments.HasWord()) {
-    for (const auto& [key, value] : config) phone.out() << "  " << key << " = " << value << "\n";
+    for (const auto& [key, value] : config) console.out << "  " << key << " = " << value << "\n";
     return;
   }
   const std::string key = arguments.Word("the key");
   if (arguments.HasWord()) config[key] = ParseInt(arguments.Word("the value"), "the value");
   arguments.Done();
   const auto found = config.find(key);
-  phone.out() << "  " << Printable(key) << " = "
+  console.out << "  " << Printable(key) << " = "
               << (found != config.end() ? std::to_string(found->second) : "(not set)") << "\n";
 }
 
-void AccountSwitch(Phone& phone, Arguments& arguments) {
-  Accounts& accounts = phone.platform().accounts;
+void AccountSwitch(Console& console, Arguments& arguments) {
+  Accounts& accounts = console.phone.platform().accounts;
   if (arguments.HasWord()) {
     const std::string name = arguments.Word("the account");
     Account* const account = accounts.Find(name);
@@ -47,54 +47,54 @@ void AccountSwitch(Phone& phone, Arguments& arguments) {
                     std::string("usable ") + OnOff(account.usable),
                     std::string("keeps missed calls ") + OnOff(account.keeps_missed)});
   }
-  PrintTable(phone.out(), rows);
+  PrintTable(console.out, rows);
 }
 
-void ShowContacts(Phone& phone, Arguments& arguments) {
+void ShowContacts(Console& console, Arguments& arguments) {
   arguments.Done();
   std::vector<std::vector<std::string>> rows;
-  for (const Contact& contact : phone.platform().contacts.All()) {
+  for (const Contact& contact : console.phone.platform().contacts.All()) {
     std::string numbers;
     for (const std::string& number : contact.numbers) numbers += Printable(number) + " ";
     rows.push_back({Printable(contact.name), numbers, Printable(contact.photo)});
   }
-  PrintTable(phone.out(), rows);
+  PrintTable(console.out, rows);
 }
 
-void Network(Phone& phone, Arguments& arguments) {
+void Network(Console& console, Arguments& arguments) {
   if (arguments.HasWord()) {
-    phone.platform().networkUp = ParseSwitch(arguments.Word("on or off"));
+    console.phone.platform().networkUp = ParseSwitch(arguments.Word("on or off"));
   }
   arguments.Done();
-  phone.out() << "  network " << OnOff(phone.platform().networkUp) << "\n";
+  console.out << "  network " << OnOff(console.phone.platform().networkUp) << "\n";
 }
 
-void Save(Phone& phone, Arguments& arguments) {
+void Save(Console& console, Arguments& arguments) {
   arguments.Done();
-  phone.out() << (phone.Save() ? "  saved\n" : "  nothing to save\n");
+  console.out << (console.phone.Save() ? "  saved\n" : "  nothing to save\n");
 }
 
-void ShowFile(Phone& phone, Arguments& arguments) {
+void ShowFile(Console& console, Arguments& arguments) {
   arguments.Done();
-  std::ifstream file(phone.HistoryFile());
+  std::ifstream file(console.phone.HistoryFile());
   if (!file) {
-    phone.out() << "  there is no history file yet\n";
+    console.out << "  there is no history file yet\n";
     return;
   }
   for (std::string line; std::getline(file, line);) {
     const bool indented = !line.empty() && line.front() == '\t';
-    phone.out() << (indented ? "    " : "  ") << Printable(line.substr(indented ? 1 : 0)) << "\n";
+    console.out << (indented ? "    " : "  ") << Printable(line.substr(indented ? 1 : 0)) << "\n";
   }
 }
 
-void PowerCycle(Phone& phone, Arguments& arguments) {
+void PowerCycle(Console& console, Arguments& arguments) {
   arguments.Done();
-  phone.PowerCycle();
-  phone.out() << "  the phone has started again\n";
+  console.phone.PowerCycle();
+  console.out << "  the phone has started again\n";
 }
 
 // The platform's broadcast that a configuration item has changed, 0x28 or 0x47 for this module.
-void Broadcast(Phone& phone, Arguments& arguments) {
+void Broadcast(Console& console, Arguments& arguments) {
   const std::string item = arguments.Word("the item");
   arguments.Done();
   char* end = nullptr;
@@ -102,15 +102,15 @@ void Broadcast(Phone& phone, Arguments& arguments) {
   if (*end != '\0' || item.empty() || value > UINT_MAX) {
     throw CommandError("the item must be a number such as 0x28, not \"" + item + "\"");
   }
-  const auto reply = phone.platform().loop.Send(
+  const auto reply = console.phone.platform().loop.Send(
       {BROAD_MSG_CONFIG_CHANGE, static_cast<unsigned int>(value), 0, {}});
-  phone.out() << (reply ? "  replied " + std::to_string(*reply) : "  no reply") << "\n";
+  console.out << (reply ? "  replied " + std::to_string(*reply) : "  no reply") << "\n";
 }
 
-void ShowJournal(Phone& phone, Arguments& arguments) {
+void ShowJournal(Console& console, Arguments& arguments) {
   const std::string what = arguments.WordOr("20");
   arguments.Done();
-  Journal& journal = phone.platform().journal;
+  Journal& journal = console.phone.platform().journal;
   if (what == "clear") {
     journal.Clear();
     return;
@@ -119,16 +119,16 @@ void ShowJournal(Phone& phone, Arguments& arguments) {
   const std::vector<std::string> lines = journal.Lines();
   const std::size_t count = wanted < 0 ? 0 : static_cast<std::size_t>(wanted);
   for (std::size_t i = lines.size() > count ? lines.size() - count : 0; i < lines.size(); ++i) {
-    phone.out() << "  " << Printable(lines[i]) << "\n";
+    console.out << "  " << Printable(lines[i]) << "\n";
   }
 }
 
-void SetTrace(Phone& phone, Arguments& arguments) {
-  Trace& trace = phone.platform().trace;
+void SetTrace(Console& console, Arguments& arguments) {
+  Trace& trace = console.phone.platform().trace;
   const int level = ParseInt(arguments.Word("the level"), "the level");
   const std::string file = arguments.WordOr("");
   arguments.Done();
-  if (!file.empty() && !trace.SetFile(phone.FromStart(file)))
+  if (!file.empty() && !trace.SetFile(console.folder / file))
     throw CommandError("cannot write to " + file);
   trace.SetLevel(level);
 }

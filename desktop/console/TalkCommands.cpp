@@ -23,64 +23,64 @@ const Account* AccountOf(Phone& phone, int id) {
   return accounts.empty() ? nullptr : &accounts.front();
 }
 
-void ShowTalk(Phone& phone) {
-  const Talk& talk = phone.platform().talk;
+void ShowTalk(Console& console) {
+  const Talk& talk = console.phone.platform().talk;
   if (talk.call) {
-    const Account* const account = AccountOf(phone, talk.call->accountId);
-    phone.out() << "  calling " << Printable(talk.call->name) << ", "
+    const Account* const account = AccountOf(console.phone, talk.call->accountId);
+    console.out << "  calling " << Printable(talk.call->name) << ", "
                 << Printable(talk.call->number) << ", through "
                 << (talk.call->accountId < 0 ? "the default account" : account->FullName())
                 << "; \"hangup\" ends it\n";
   } else if (talk.dialScreen) {
-    phone.out() << "  dial screen: " << Printable(*talk.dialScreen) << "\n";
+    console.out << "  dial screen: " << Printable(*talk.dialScreen) << "\n";
   } else {
-    phone.out() << "  no call\n";
+    console.out << "  no call\n";
   }
 }
 
-void Dial(Phone& phone, Arguments& arguments) {
-  std::string number = phone.platform().talk.dialScreen.value_or("");
+void Dial(Console& console, Arguments& arguments) {
+  std::string number = console.phone.platform().talk.dialScreen.value_or("");
   if (arguments.HasWord() || number.empty()) number = arguments.Word("the number");
   ContactGeneralItemData contact;
   const bool known = Controller().GetContactDataByNumber(&contact, number);
   const std::string name = arguments.WordOr(known ? contact.display_name : number);
   arguments.Done();
-  if (!Controller().CallOut(number, name)) phone.out() << "  refused: hang up first\n";
-  ShowTalk(phone);
+  if (!Controller().CallOut(number, name)) console.out << "  refused: hang up first\n";
+  ShowTalk(console);
 }
 
-void DialScreen(Phone& phone, Arguments& arguments) {
+void DialScreen(Console& console, Arguments& arguments) {
   const std::string number = arguments.Word("the number");
   arguments.Done();
   Controller().EnterTalkUI(number);
-  ShowTalk(phone);
+  ShowTalk(console);
 }
 
-void Redial(Phone& phone, Arguments& arguments) {
+void Redial(Console& console, Arguments& arguments) {
   arguments.Done();
   Controller().RedialNumberByClickAction("OpenSubPage(call_log_2)");
-  ShowTalk(phone);
+  ShowTalk(console);
 }
 
-void HangUp(Phone& phone, Arguments& arguments) {
+void HangUp(Console& console, Arguments& arguments) {
   arguments.Done();
-  auto& talk = phone.platform().talk;
+  auto& talk = console.phone.platform().talk;
   if (!talk.call) throw CommandError("there is no call");
-  const std::time_t now = phone.platform().clock().Wall();
+  const std::time_t now = console.phone.platform().clock().Wall();
   CallLogAddItemData call;
   call.type = 1;
   call.born_tick = static_cast<int>(std::min<std::time_t>(talk.call->started, INT_MAX));
   call.duration = static_cast<int>(std::min<std::time_t>(now - talk.call->started, INT_MAX));
   call.remote_sip_name = talk.call->number;
   call.remote_display_name = talk.call->name;
-  if (const Account* account = AccountOf(phone, talk.call->accountId)) {
+  if (const Account* account = AccountOf(console.phone, talk.call->accountId)) {
     call.local_sip_name = account->name;
     call.local_sip_server = call.remote_sip_server = account->server;
   }
   talk.call.reset();
-  const std::string refusal = AddCall(phone.platform(), call);
-  phone.out() << "  the call has ended after " << call.duration << " s\n";
-  if (!refusal.empty()) phone.out() << "  it is not kept: " << refusal << "\n";
+  const std::string refusal = AddCall(console.phone.platform(), call);
+  console.out << "  the call has ended after " << call.duration << " s\n";
+  if (!refusal.empty()) console.out << "  it is not kept: " << refusal << "\n";
 }
 
 }  // namespace

@@ -28,26 +28,26 @@ constexpr char kHistoryFile[] = "commands";  // in the phone's directory
 constexpr int kHistoryLength = 500;
 
 // Readline calls back without a context of ours.
-Phone* terminalPhone = nullptr;
+Console* terminal = nullptr;
 Signals* terminalSignals = nullptr;
 
 void OnLine(char* text) {
   const std::unique_ptr<char, decltype(&std::free)> line(text, std::free);
-  Phone& phone = *terminalPhone;
+  Console& console = *terminal;
   if (line == nullptr) {
-    phone.out() << "\n";
-    phone.wantsToQuit = true;
+    console.out << "\n";
+    console.wantsToQuit = true;
     return;
   }
   if (*line != '\0') add_history(line.get());
   try {
-    RunCommand(phone, line.get());
+    RunCommand(console, line.get());
   } catch (const CommandError& error) {
-    phone.out() << "  " << Printable(error.what()) << "\n";
+    console.out << "  " << Printable(error.what()) << "\n";
   }
-  phone.out() << std::flush;
-  if (terminalSignals->Ending() != 0) phone.wantsToQuit = true;
-  if (phone.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
+  console.out << std::flush;
+  if (terminalSignals->Ending() != 0) console.wantsToQuit = true;
+  if (console.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
 }
 
 char* NextCommand(const char* prefix, int state) {
@@ -82,11 +82,12 @@ void Redisplay(Print print) {
 }
 
 // What happened while the user was typing goes above the line that is being edited.
-void ReportAboveLine(Phone& phone) {
-  if (!phone.HasChanges()) return;
+void ReportAboveLine(Console& console) {
+  const std::vector<News> news = console.phone.TakeNews();
+  if (news.empty()) return;
   Redisplay([&] {
-    phone.ReportChanges();
-    phone.out() << std::flush;
+    PrintNews(console.out, news);
+    console.out << std::flush;
   });
 }
 
@@ -120,14 +121,15 @@ int PollTimeout(Phone& phone) {
 }
 
 // Signals are looked at after the loop has run, which takes what woke it.
-void RunPrompt(Phone& phone, Signals& signals) {
-  pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {phone.platform().loop.descriptor(), POLLIN, 0}};
-  while (!phone.wantsToQuit) {
-    phone.platform().RunDue();
-    ReportAboveLine(phone);
+void RunPrompt(Console& console, Signals& signals) {
+  pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0},
+                      {console.phone.platform().loop.descriptor(), POLLIN, 0}};
+  while (!console.wantsToQuit) {
+    console.phone.platform().RunDue();
+    ReportAboveLine(console);
     if (signals.Ending() == 0) SeeToStops(signals);
     if (signals.Ending() != 0) return;
-    if (poll(waiting, 2, PollTimeout(phone)) < 0) continue;
+    if (poll(waiting, 2, PollTimeout(console.phone)) < 0) continue;
     if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
     if (waiting[0].revents != 0) rl_callback_read_char();
   }
@@ -165,17 +167,17 @@ void EndReadline(Phone& phone) {
 
 }  // namespace
 
-void RunTerminal(Phone& phone, Signals& signals) {
-  terminalPhone = &phone;
+void RunTerminal(Console& console, Signals& signals) {
+  terminal = &console;
   terminalSignals = &signals;
   signals.CatchStops();
-  const auto before =
-      std::exchange(phone.interrupted, [&signals] { return IsCommandInterrupted(signals); });
+  const auto before = std::exchange(console.phone.interrupted,
+                                    [&signals] { return IsCommandInterrupted(signals); });
   StartReadline();
-  RunPrompt(phone, signals);
-  EndReadline(phone);
-  if (!phone.wantsToQuit) phone.out() << "\n";  // behind the prompt
-  phone.interrupted = before;
+  RunPrompt(console, signals);
+  EndReadline(console.phone);
+  if (!console.wantsToQuit) console.out << "\n";  // behind the prompt
+  console.phone.interrupted = before;
 }
 
 }  // namespace desk

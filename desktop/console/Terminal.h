@@ -4,12 +4,12 @@
 
 namespace desk {
 
-class Phone;
+struct Console;
 class Signals;
 
 // Runs until the user quits, the input ends, the terminal goes, or a signal ends the phone. Ctrl-C
 // ends a command that waits, and at the prompt the phone; Ctrl-Z stops the phone until the shell
 // lets it go on.
-void RunTerminal(Phone& phone, Signals& signals);
+void RunTerminal(Console& console, Signals& signals);
 
 }  // namespace desk

@@ -6,31 +6,32 @@
 namespace desk {
 namespace {
 
-void PrintClock(Phone& phone) {
-  phone.out() << "  " << FullTimeText(phone.platform().clock().Wall(), " ") << "\n";
+void PrintClock(Console& console) {
+  console.out << "  " << FullTimeText(console.phone.platform().clock().Wall(), " ") << "\n";
 }
 
-void Wait(Phone& phone, Arguments& arguments) {
+void Wait(Console& console, Arguments& arguments) {
   const Milliseconds span = ParseSpan(arguments.Word("how long"));
   arguments.Done();
-  if (!phone.Wait(span)) phone.out() << "  the wait was interrupted\n";
+  if (!console.phone.Wait(span, [&] { ReportNews(console); }))
+    console.out << "  the wait was interrupted\n";
 }
 
-void WallClock(Phone& phone, Arguments& arguments) {
+void WallClock(Console& console, Arguments& arguments) {
   if (arguments.HasWord()) {
     const std::time_t time = ParseLocalTime(arguments.Word("the time"));
     arguments.Done();
-    ManualClock* const clock = phone.platform().manualClock();
+    ManualClock* const clock = console.phone.platform().manualClock();
     if (clock == nullptr) throw CommandError("the clock is the machine's; a script has its own");
     clock->SetWall(time);
   }
-  PrintClock(phone);
+  PrintClock(console);
 }
 
-void TimeZone(Phone& phone, Arguments& arguments) {
+void TimeZone(Console& console, Arguments& arguments) {
   SetTimeZone(arguments.Word("the time zone"));
   arguments.Done();
-  PrintClock(phone);
+  PrintClock(console);
 }
 
 }  // namespace

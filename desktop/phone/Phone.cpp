@@ -1,12 +1,10 @@
-// Switching the phone on and off, letting time pass, and saying what happened by itself.
+// Switching the phone on and off, letting time pass, and keeping what there is to tell.
 #include "desktop/phone/Phone.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "CallLog.h"
-#include "desktop/console/Screen.h"
-#include "desktop/console/Signals.h"
-#include "desktop/platform/Text.h"
 #include "guard/RestartHistory.h"
 
 namespace desk {
@@ -15,34 +13,20 @@ using NS_CALLLOG::CBSCallLogController;
 using NS_CALLLOG::CCallLogController;
 using NS_GUARD::HistoryGuard;
 
-namespace {
-
-std::string Describe(const Message& message) {
-  if (message.message == MSG_BS_CALLLOG_DOWNLOADED) {
-    return std::string(message.lParam == 0 ? "a server list is there: "
-                                           : "a server list could not be fetched: ") +
-           Printable(MaskCredentials(CString(message.extra)));
-  }
-  return Format("message 0x%x to the application, wParam %u, lParam %d", message.message,
-                message.wParam, message.lParam);
-}
-
-}  // namespace
-
 Phone::Phone(const std::filesystem::path& root, const Profile& profile,
-             std::unique_ptr<Clock> clock, std::ostream& out)
-    : root_(root), out_(out), platform_(profile, std::move(clock)), guard_(HistoryFile()) {
+             std::unique_ptr<Clock> clock)
+    : root_(root),
+      platform_(profile, std::move(clock)),
+      guard_(HistoryFile()),
+      wasOpen_(root_.wasOpen()) {
   platform_.loop.SetObserver(
       [this](const Message& message, int result) { OnHandled(message, result); });
   if (platform_.manualClock() != nullptr) platform_.transfers.Hold();
-  if (root_.wasOpen()) out_ << "  * other users could read this phone's files; now only you can\n";
   PowerOn();
-  ReportGuard();
 }
 
 Phone::~Phone() {
   Save();
-  ReportGuard();
   CBSCallLogController::ReleaseInstance();
   CCallLogController::ReleaseInstance();
 }
@@ -76,15 +60,10 @@ bool Phone::Save() {
 }
 
 void Phone::NoteGuard(HistoryGuard::Outcome outcome) {
-  if (outcome != HistoryGuard::Outcome::kGood) guardNotes_.emplace_back(Describe(outcome));
+  if (outcome != HistoryGuard::Outcome::kGood) guardNotes_.push_back(outcome);
 }
 
-void Phone::ReportGuard() {
-  for (const std::string& note : guardNotes_) out_ << "  * " << note << "\n";
-  guardNotes_.clear();
-}
-
-bool Phone::Wait(Milliseconds span) {
+bool Phone::Wait(Milliseconds span, const std::function<void()>& eachTime) {
   if (platform_.manualClock() != nullptr) {
     platform_.Advance(span);
     return true;
@@ -92,7 +71,7 @@ bool Phone::Wait(Milliseconds span) {
   const Milliseconds end = platform_.clock().Monotonic() + span;
   for (;;) {
     platform_.RunDue();
-    ReportChanges();
+    eachTime();
     if (interrupted()) return false;
     const Milliseconds left = end - platform_.clock().Monotonic();
     if (left.count() <= 0) return true;
@@ -112,63 +91,26 @@ bool Phone::AwaitTransfers() {
   }
 }
 
-bool Phone::HasChanges() const {
-  return saved_ || !guardNotes_.empty() || !(platform_.display == shown_) ||
-         platform_.loop.HasAppMessages();
-}
-
-void Phone::ReportChanges() {
-  if (!(platform_.display == shown_)) {
-    shown_ = platform_.display;
-    out_ << "  * idle screen: " << IdleLine(shown_) << "\n";
+std::vector<News> Phone::TakeNews() {
+  std::vector<News> news;
+  if (std::exchange(wasOpen_, false)) news.emplace_back(RootWasOpen());
+  if (!(platform_.display == shown_)) news.emplace_back(shown_ = platform_.display);
+  if (std::exchange(saved_, false)) {
+    HistorySaved saved;
+    saved.bytes = std::filesystem::file_size(HistoryFile(), saved.error);
+    news.emplace_back(saved);
   }
-  if (saved_) {
-    saved_ = false;
-    std::error_code error;
-    const auto size = std::filesystem::file_size(HistoryFile(), error);
-    out_ << "  * history saved: " << (error ? error.message() : std::to_string(size) + " bytes")
-         << "\n";
-  }
-  ReportGuard();
-  for (const Message& message : platform_.loop.TakeAppMessages()) {
-    out_ << "  * " << Describe(message) << "\n";
-  }
+  for (const auto outcome : std::exchange(guardNotes_, {})) news.emplace_back(outcome);
+  for (Message& message : platform_.loop.TakeAppMessages()) news.emplace_back(std::move(message));
+  return news;
 }
 
 std::filesystem::path Phone::HistoryFile() const {
   return root_.path() / "config/data/call_data.xml";
 }
 
-std::filesystem::path Phone::FromStart(const std::filesystem::path& path) const {
-  return root_.startedIn() / path;
-}
-
 std::filesystem::path Phone::SourcesFile() const {
   return root_.path() / "config/data/broadsoft_calllog_list.xml";
-}
-
-void Phone::ServeDocuments(const std::filesystem::path& directory) {
-  // As on real servers, the user id and the password hold what other URLs may not.
-  const char* const user = "anna@example.org";
-  const char* const password = "p@ss:1";
-  logServer_ =
-      std::make_unique<LogServer>(LogServer::Settings{FromStart(directory), user, password, 0});
-  {
-    const SignalsBlocked inItsThreads;
-    logServer_->Start();
-  }
-  auto& controller = *CBSCallLogController::GetInstance();
-  int index = 0;
-  for (const char* document : {"Missed", "Placed", "Received"}) {
-    BroadSoftConfigItem source;
-    source.name = std::string(document) + " on the server";
-    source.server = std::string("127.0.0.1/com.broadsoft.xsi-actions/v2.0/user/") + user +
-                    "/directories/CallLogs/" + document;
-    source.port = std::to_string(logServer_->port());
-    source.user_name = user;
-    source.password = password;
-    controller.SetConfigDataByIndex(index++, source);
-  }
 }
 
 }  // namespace desk

@@ -27,7 +27,6 @@ class RootDirectory {
   RootDirectory& operator=(const RootDirectory&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  const std::filesystem::path& startedIn() const { return before_; }
   // The directory of a phone was there, and open to other users.
   bool wasOpen() const { return wasOpen_; }
 

@@ -118,11 +118,6 @@ void MessageLoop::NotifyApp(Message message) {
   appMessages_.push_back(std::move(message));
 }
 
-bool MessageLoop::HasAppMessages() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return !appMessages_.empty();
-}
-
 std::vector<Message> MessageLoop::TakeAppMessages() {
   const std::lock_guard<std::mutex> lock(mutex_);
   std::vector<Message> taken(appMessages_.begin(), appMessages_.end());

@@ -69,7 +69,6 @@ class MessageLoop {
   // Messages to the application, oldest first, since they were last taken; at most 1,000 are kept.
   void NotifyApp(Message message);
   std::vector<Message> TakeAppMessages();
-  bool HasAppMessages() const;
 
  private:
   struct Handler {
@@ -90,7 +89,7 @@ class MessageLoop {
   std::optional<int> reply_;
   const int wakeUp_;
 
-  mutable std::mutex mutex_;  // guards what follows
+  std::mutex mutex_;  // guards what follows
   std::deque<std::function<void()>> queue_;
   std::deque<Message> appMessages_;
 };

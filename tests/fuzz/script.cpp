@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "desktop/console/CommandLine.h"
+#include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
-#include "desktop/phone/Phone.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace desk {
@@ -32,17 +32,17 @@ std::string LinesThatStay(const std::string& input) {
 }
 
 // What the phone prints for the script, all of it printable.
-std::string Play(Phone& phone, const std::string& script, std::ostringstream* out) {
+std::string Play(Phone& phone, const std::string& script) {
   std::istringstream lines(script);
   std::ostringstream errors;
-  out->str("");
-  phone.wantsToQuit = false;
-  const int wrong = RunScript(phone, lines, "script", errors);
+  std::ostringstream out;
+  Console console{phone, out};
+  const int wrong = RunScript(console, lines, "script", errors);
   const std::string complaints = errors.str();
   EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), wrong);
   EXPECT_TRUE(IsPrintableText(complaints)) << complaints;
-  EXPECT_TRUE(IsPrintableText(out->str())) << out->str();
-  return out->str();
+  EXPECT_TRUE(IsPrintableText(out.str())) << out.str();
+  return out.str();
 }
 
 }  // namespace
@@ -56,19 +56,18 @@ void FuzzOne(const std::string& input) {
   profile.accounts = {Account(7, "anna", "sip.example.org")};
   profile.contacts = {{"Zo\u00EB", {"612", "613"}, "zoe.png"}};
   profile.network_up = false;
-  std::ostringstream out;
-  Phone phone(root.path(), profile, std::make_unique<ManualClock>(1791363600), out);
-  Play(phone, LinesThatStay(input), &out);
-  Play(phone, "save", &out);
+  Phone phone(root.path(), profile, std::make_unique<ManualClock>(1791363600));
+  Play(phone, LinesThatStay(input));
+  Play(phone, "save");
   phone.PowerCycle();
-  const std::string calls = Play(phone, "list all 0 400", &out);
+  const std::string calls = Play(phone, "list all 0 400");
   if (std::filesystem::exists(phone.HistoryFile())) {
     EXPECT_TRUE(StrictItems(ReadFile(phone.HistoryFile()), "root_call_log"));
   }
   // Saved again, which the removal of a type without calls brings about, it is the same.
-  Play(phone, "remove (call_log_77) all\nsave", &out);
+  Play(phone, "remove (call_log_77) all\nsave");
   phone.PowerCycle();
-  EXPECT_EQ(Play(phone, "list all 0 400", &out), calls);
+  EXPECT_EQ(Play(phone, "list all 0 400"), calls);
 }
 
 }  // namespace desk

@@ -6,9 +6,9 @@
 
 #include "desktop/console/CallImport.h"
 #include "desktop/console/CommandLine.h"
+#include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
 #include "desktop/console/TimeInput.h"
-#include "desktop/phone/Phone.h"
 #include "tests/support/PhoneTest.h"
 
 namespace desk {
@@ -59,8 +59,10 @@ class ScriptTest : public testing::Test {
     std::istringstream lines(script);
     Profile profile;
     profile.accounts = {Account(0, "100", "sip.example.org")};
-    Phone phone(root.path(), profile, std::make_unique<ManualClock>(0), out);
-    wrong = RunScript(phone, lines, "script", errors);
+    Phone phone(root.path(), profile, std::make_unique<ManualClock>(0));
+    Console console{phone, out};
+    ReportNews(console);
+    wrong = RunScript(console, lines, "script", errors);
     return out.str();
   }
 
@@ -131,11 +133,12 @@ TEST_F(ScriptTest, AnInterruptionEndsWhatTakesLong) {
   const auto records = files.path() / "records.csv";
   WriteFile(records, kMissedBy100);
   std::ostringstream out;
-  Phone phone(root.path(), Profile(), std::make_unique<RealClock>(), out);
+  Phone phone(root.path(), Profile(), std::make_unique<RealClock>());
+  Console console{phone, out};
   phone.interrupted = [] { return true; };
   EXPECT_FALSE(phone.Wait(std::chrono::hours(1)));
   const CallImport import = {records.string(), "100", "sip.example.org"};
-  EXPECT_THROW(import.Run(phone), CommandError);
+  EXPECT_THROW(import.Run(console), CommandError);
   EXPECT_FALSE(phone.Save()) << "a call came in";
 }
 
@@ -152,8 +155,7 @@ TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {
 }
 
 TEST_F(ScriptTest, ARootIsOnePhonesAlone) {
-  std::ostringstream out;
-  const Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0), out);
+  const Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0));
   EXPECT_THROW(RootDirectory second(root.path()), RootError);
   WriteFile(root.path() / "file", "");
   EXPECT_THROW(RootDirectory(root.path() / "file"), RootError);

@@ -5,7 +5,6 @@
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/SourceCheck.h"
-#include "desktop/phone/Phone.h"
 #include "desktop/platform/TransferUrl.h"
 #include "desktop/server/LogServer.h"
 #include "tests/support/PhoneTest.h"
@@ -31,14 +30,15 @@ class SourceCommandTest : public testing::Test {
   // What the phone answers.
   std::string Do(const std::string& line) {
     out.str("");
-    RunCommand(phone, line);
+    RunCommand(console, line);
     return out.str();
   }
   static CBSCallLogController& Logs() { return *CBSCallLogController::GetInstance(); }
 
   TemporaryDirectory root;
   std::ostringstream out;
-  Phone phone{root.path(), Profile(), std::make_unique<ManualClock>(0), out};
+  Phone phone{root.path(), Profile(), std::make_unique<ManualClock>(0)};
+  Console console{phone, out};
 };
 
 // Such sources come from a file that a hand wrote; none of them reaches a server that answers.

@@ -8,8 +8,8 @@
 #include <map>
 #include <sstream>
 
+#include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
-#include "desktop/phone/Phone.h"
 #include "tests/support/PhoneTest.h"
 
 namespace desk {
@@ -29,9 +29,11 @@ class RootDirectoryTest : public testing::Test {
     std::istringstream lines("call missed 1\nsource 0 server=h password=secret\nsave\n");
     Profile profile;
     profile.config = {{"HistorySavedSwitch", 1}};
-    Phone phone(root, profile, std::make_unique<ManualClock>(0), out);
+    Phone phone(root, profile, std::make_unique<ManualClock>(0));
+    Console console{phone, out};
+    ReportNews(console);
     const std::string said = out.str();
-    RunScript(phone, lines, "script", out);
+    RunScript(console, lines, "script", out);
     return said;
   }
 

@@ -1,11 +1,16 @@
-// The directory of the demonstration's phone. It is never that of the user's own: the demonstration
-// changes and removes calls as it likes.
+// What a phone without surroundings of its own is given: a directory to be tried in, and a server
+// of call logs.
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 namespace desk {
 
+class LogServer;
+
+// The directory of the demonstration's phone. It is never that of the user's own: the demonstration
+// changes and removes calls as it likes.
 class DemoRoot {
  public:
   // The directory that the user named. If none (empty): one beside the user's own phone's, or, to
@@ -22,5 +27,11 @@ class DemoRoot {
   std::filesystem::path path_;
   bool goes_;
 };
+
+// A server of these documents in this process, running. Throws std::runtime_error when it cannot.
+std::unique_ptr<LogServer> ServeDocuments(const std::filesystem::path& directory);
+
+// Sets up sources for what it serves on the phone that is on.
+void SetUpSources(const LogServer& server);
 
 }  // namespace desk

@@ -1,5 +1,5 @@
-// Which directory the demonstration may have.
-#include "desktop/DemoRoot.h"
+// Which directory the demonstration may have, and whom its server lets in.
+#include "desktop/Demo.h"
 
 #include <stdlib.h>
 
@@ -7,7 +7,10 @@
 #include <string>
 #include <system_error>
 
+#include "CallLog.h"
+#include "desktop/console/Signals.h"
 #include "desktop/phone/RootDirectory.h"
+#include "desktop/server/LogServer.h"
 
 namespace desk {
 namespace {
@@ -15,6 +18,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kData[] = "config/data";  // where a phone keeps its history
+
+// As on real servers, the user id and the password hold what other URLs may not.
+constexpr char kUser[] = "anna@example.org";
+constexpr char kPassword[] = "p@ss:1";
 
 fs::path MakeTemporary() {
   std::string path = fs::temp_directory_path() / "deskphone-demo-XXXXXX";
@@ -64,6 +71,29 @@ DemoRoot::DemoRoot(const fs::path& named, bool playsScenario)
 DemoRoot::~DemoRoot() {
   std::error_code ignored;
   if (goes_) fs::remove_all(path_, ignored);
+}
+
+std::unique_ptr<LogServer> ServeDocuments(const fs::path& directory) {
+  auto server = std::make_unique<LogServer>(
+      LogServer::Settings{fs::absolute(directory), kUser, kPassword, 0});
+  const SignalsBlocked inItsThreads;
+  server->Start();
+  return server;
+}
+
+void SetUpSources(const LogServer& server) {
+  auto& controller = *NS_CALLLOG::CBSCallLogController::GetInstance();
+  int index = 0;
+  for (const std::string document : {"Missed", "Placed", "Received"}) {
+    BroadSoftConfigItem source;
+    source.name = document + " on the server";
+    source.server = std::string("127.0.0.1/com.broadsoft.xsi-actions/v2.0/user/") + kUser +
+                    "/directories/CallLogs/" + document;
+    source.port = std::to_string(server.port());
+    source.user_name = kUser;
+    source.password = kPassword;
+    controller.SetConfigDataByIndex(index++, source);
+  }
 }
 
 }  // namespace desk
