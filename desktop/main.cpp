@@ -60,7 +60,7 @@ std::unique_ptr<desk::DemoRoot> SetUpDemo(Options* options) {
   if (options->profile.empty()) options->profile = demo / "profile.toml";
   if (options->documents.empty()) options->documents = demo / "server";
   if (plays) options->script = demo / "scenario.phone";
-  if (atTerminal && options->firstDay.empty()) options->firstDay = demo / "first-day.phone";
+  if (atTerminal) options->firstDay = demo / "first-day.phone";
   return root;
 }
 
@@ -143,8 +143,6 @@ void AddOptions(CLI::App* app, Options* options) {
   app->add_option("--profile", options->profile, "settings, accounts and contacts (TOML)");
   app->add_option("--script", options->script,
                   "runs the commands of a file (\"-\": standard input) on a clock of its own");
-  app->add_option("--first-run", options->firstDay,
-                  "commands to run first when the phone has no history yet");
   app->add_option("--log-server", options->documents,
                   "serves call logs from this directory, and sets up sources for them");
   app->add_option("--trace", options->traceLevel, "writes the trace out up to this level");

@@ -28,10 +28,17 @@ grep -q '^phone> remove all all$' "$work/out"
 kept
 [ "$(ls "$state" "$TMPDIR")" = "$(printf '%s:\ndeskphone\n\n%s:' "$state" "$TMPDIR")" ]
 
-# A script that waits for its next line ends with a signal, and the directory with it.
-mkfifo "$work/script"
-"$@" --demo --first-run "$work/script" </dev/null >"$work/out" 2>"$work/errors" &
-exec 3>"$work/script"
+# A scenario that waits for its next line ends with a signal, and the directory with it. It stands
+# beside the program: this is a copy of both.
+for program; do :; done
+mkdir "$work/bin"
+cp "$program" "$work/bin"
+cp -rL "$(dirname "$program")/../share" "$work"
+scenario=$work/share/calllog/scenario.phone
+rm "$scenario"
+mkfifo "$scenario"
+${*%"$program"} "$work/bin/$(basename "$program")" --demo </dev/null >"$work/out" 2>"$work/errors" &
+exec 3>"$scenario"
 [ -n "$(ls "$TMPDIR")" ]
 kill -TERM $!
 status=0

@@ -117,9 +117,9 @@ def check_talk(readme):
     script = "".join(f"{command}\n{WAITING.get(command, '')}\n" for command, _ in shown)
     with tempfile.TemporaryDirectory() as directory:
         printed = subprocess.run(
-            PHONE + ["--root", directory, "--profile", str(DEMO / "profile.toml"), "--first-run", str(DEMO / "first-day.phone"),
-                     "--log-server", str(DEMO / "server"), "--script", "-"],
-            input=script, text=True, capture_output=True)
+            PHONE + ["--root", directory, "--profile", str(DEMO / "profile.toml"), "--log-server", str(DEMO / "server"),
+                     "--script", "-"],
+            input=(DEMO / "first-day.phone").read_text() + script, text=True, capture_output=True)
     if printed.returncode != 0:
         return fail("README.md", printed.stderr)
     waits = "|".join(f"phone> {wait}" for wait in WAITING.values())
