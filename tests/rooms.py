@@ -26,7 +26,8 @@ def main():
     rooms = table()
     everything = {room for room, allowed in rooms.items() if room == "desktop"}
     listed = subprocess.run(["git", "ls-files", "*.h", "*.cpp"], cwd=SOURCES, capture_output=True, text=True)
-    files = listed.stdout.split() or [str(f.relative_to(SOURCES)) for f in SOURCES.rglob("*.[hc]*")]
+    files = [file for file in listed.stdout.split() if (SOURCES / file).is_file()] or \
+        [str(f.relative_to(SOURCES)) for f in SOURCES.rglob("*.[hc]*")]
     wrong, seen = [], 0
     for file in files:
         room = room_of(file, rooms)

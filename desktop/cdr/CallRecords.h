@@ -22,7 +22,7 @@ struct BadRow {
 struct CdrOptions {
   std::string extension;  // a number or a name, as the PBX's channels carry it
   std::string server;     // SIP server of both parties
-  std::function<void(std::uint64_t bytesDone)> progress;  // after every chunk; may be empty
+  std::function<void(std::uint64_t bytesDone)> progress;  // after every line; may be empty
 };
 
 struct CdrImport {

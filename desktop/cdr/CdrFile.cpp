@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <new>
@@ -19,8 +18,8 @@
 namespace desk {
 namespace {
 
-constexpr std::size_t kChunkBytes = 64 * 1024;
 constexpr std::size_t kRowBytesMax = 16 * 1024 * 1024;
+constexpr std::size_t kPartBytes = kRowBytesMax + 2;  // one more shows that a row is too long
 constexpr std::size_t kRowLinesMax = 100;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -137,26 +136,15 @@ std::string Quoted(std::string_view field) {
   return "\"" + shown + (cut ? "...\"" : "\"");
 }
 
-std::string ReadStart(std::string_view text, int* start) {
+std::string ReadStart(const std::string& text, int* start) {
   if (!HasTimeShape(text)) return "start is not a time: " + Quoted(text);
-  const auto number = [text](std::size_t at, std::size_t size) {
-    int value = 0;
-    std::from_chars(text.data() + at, text.data() + at + size, value);
-    return value;
-  };
   std::tm local{};
-  local.tm_year = number(0, 4) - 1900;
-  local.tm_mon = number(5, 2) - 1;
-  local.tm_mday = number(8, 2);
-  local.tm_hour = number(11, 2);
-  local.tm_min = number(14, 2);
-  local.tm_sec = number(17, 2);
+  const char* const end = strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &local);
   // Checked as UTC: local time moves an hour of its own when clocks go forward. A day too many
   // moves the month.
   std::tm utc = local;
   timegm(&utc);
-  if (utc.tm_mon != local.tm_mon || utc.tm_hour != local.tm_hour || utc.tm_min != local.tm_min ||
-      utc.tm_sec != local.tm_sec) {
+  if (end == nullptr || utc.tm_mon != local.tm_mon || utc.tm_sec != local.tm_sec) {
     return "start is not in the calendar: " + Quoted(text);
   }
   local.tm_isdst = -1;
@@ -266,7 +254,7 @@ std::string ReadLeg(const Fields& fields, CdrLeg* leg) {
 }  // namespace
 
 CdrFile::CdrFile(std::istream& in, std::function<void(std::uint64_t)> progress)
-    : in_(in), progress_(std::move(progress)), parser_(MakeParser()), chunk_(kChunkBytes) {}
+    : in_(in), progress_(std::move(progress)), parser_(MakeParser()), part_(new char[kPartBytes]) {}
 
 CdrFile::~CdrFile() = default;
 
@@ -337,34 +325,30 @@ bool CdrFile::HasLine(std::size_t ahead) {
   return true;
 }
 
-// A line beyond the limit is cut just behind it, where NextRecord() will notice.
+// A line beyond the limit is cut just behind it, where NextRecord() will notice; its rest is passed
+// over.
 bool CdrFile::ReadLine(std::string* line) {
   const bool first = bytesRead_ == 0;
-  const char* newline = nullptr;
-  bool any = false;
-  while (newline == nullptr && (chunkPos_ < chunkEnd_ || ReadChunk())) {
-    const char* from = chunk_.data() + chunkPos_;
-    const std::size_t left = chunkEnd_ - chunkPos_;
-    newline = static_cast<const char*>(std::memchr(from, '\n', left));
-    const std::size_t size = newline != nullptr ? static_cast<std::size_t>(newline - from) : left;
-    line->append(from, std::min(size, kRowBytesMax + 1 - line->size()));
-    chunkPos_ += newline != nullptr ? size + 1 : size;
-    any = true;
+  if (!ReadPart()) return false;
+  line->assign(part_.get(), static_cast<std::size_t>(in_.gcount()) - (in_.good() ? 1 : 0));
+  while (in_.rdstate() == std::ios::failbit) {
+    in_.clear();
+    ReadPart();
   }
   if (first && line->compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
     line->erase(0, kByteOrderMark.size());
   }
   if (line->size() <= kRowBytesMax && !line->empty() && line->back() == '\r') line->pop_back();
-  return any;
+  return true;
 }
 
-bool CdrFile::ReadChunk() {
-  in_.read(chunk_.data(), static_cast<std::streamsize>(chunk_.size()));
-  chunkPos_ = 0;
-  chunkEnd_ = static_cast<std::size_t>(in_.gcount());
-  bytesRead_ += chunkEnd_;
-  if (chunkEnd_ > 0 && progress_) progress_(bytesRead_);
-  return chunkEnd_ > 0;
+// A line, or as much of it as `part_` takes: then the stream has failed. False at the end.
+bool CdrFile::ReadPart() {
+  in_.getline(part_.get(), kPartBytes);
+  if (in_.gcount() == 0) return false;
+  bytesRead_ += static_cast<std::uint64_t>(in_.gcount());
+  if (progress_) progress_(bytesRead_);
+  return true;
 }
 
 }  // namespace desk

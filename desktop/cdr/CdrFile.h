@@ -37,10 +37,10 @@ struct CdrRow {
   std::string fault;  // why the row is bad; empty: `leg` holds it
 };
 
-// Reads forward through the stream, holding no more of it than a chunk and the current row.
+// Reads forward through the stream, holding no more of it than the current row.
 class CdrFile {
  public:
-  // `progress`, where there is one, gets the number of bytes read after every chunk.
+  // `progress`, where there is one, gets the number of bytes read after every line.
   CdrFile(std::istream& in, std::function<void(std::uint64_t)> progress);
   ~CdrFile();
 
@@ -58,14 +58,12 @@ class CdrFile {
   bool ParseLine(const std::string& text, Record* record, bool* complete);
   bool HasLine(std::size_t ahead);
   bool ReadLine(std::string* line);
-  bool ReadChunk();
+  bool ReadPart();
 
   std::istream& in_;
   std::function<void(std::uint64_t)> progress_;
   std::unique_ptr<csv_parser, void (*)(csv_parser*)> parser_;
-  std::vector<char> chunk_;
-  std::size_t chunkPos_ = 0;
-  std::size_t chunkEnd_ = 0;
+  const std::unique_ptr<char[]> part_;
   std::uint64_t bytesRead_ = 0;
   std::deque<std::string> ahead_;  // lines read and not yet used up
   std::size_t linesUsed_ = 0;

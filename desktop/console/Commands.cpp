@@ -7,8 +7,8 @@ namespace desk {
 
 const std::vector<CommandGroup>& AllCommands() {
   static const std::vector<CommandGroup> kGroups = {
-      CallCommands(),    ListCommands(), SearchCommands(), TalkCommands(),  ServerCommands(),
-      SettingCommands(), TimeCommands(), HelpCommands(),   ExportCommands()};
+      CallCommands(),   ListCommands(),    SearchCommands(), TalkCommands(),
+      ServerCommands(), SettingCommands(), TimeCommands(),   HelpCommands()};
   return kGroups;
 }
 

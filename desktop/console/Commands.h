@@ -38,6 +38,5 @@ CommandGroup ServerCommands();
 CommandGroup SettingCommands();
 CommandGroup TimeCommands();
 CommandGroup HelpCommands();
-CommandGroup ExportCommands();
 
 }  // namespace desk

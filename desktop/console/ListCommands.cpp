@@ -103,34 +103,21 @@ void DealtWith(Console& /*console*/, Arguments& arguments) {
   }
 }
 
-// What pages of older phones call; the module offers it without an effect.
-void Reset(Console& /*console*/, Arguments& arguments) {
-  const bool missed = IsMissedKind(arguments.Word("missed or forwarded"));
-  arguments.Done();
-  if (missed) {
-    Controller().ResetMissedCall();
-  } else {
-    Controller().ResetForwardedCall();
-  }
-}
-
 }  // namespace
 
 CommandGroup ListCommands() {
-  return {
-      "The idle screen and the lists (rows count from 0)",
-      {
-          {"idle", "", "the idle screen, LED and backlight", Idle},
-          {"list", "[TYPE] [FIRST [COUNT]]",
-           "a call list; opening missed, forwarded or all marks those calls seen", List},
-          {"detail", "TYPE ROW", "the detail of one call", Detail},
-          {"remove", "TYPE ROW... | TYPE all", "removes calls", Remove},
-          {"last", "", "the last incoming and the last outgoing number", Last},
-          {"new", "missed|forwarded", "the new calls by caller; marks nothing seen", NewCalls},
-          {"dealt", "missed|forwarded NUMBER", "the calls from a number are no longer new",
-           DealtWith},
-          {"reset", "missed|forwarded", "ResetMissedCall, ResetForwardedCall: no effect", Reset},
-      }};
+  return {"The idle screen and the lists (rows count from 0)",
+          {
+              {"idle", "", "the idle screen, LED and backlight", Idle},
+              {"list", "[TYPE] [FIRST [COUNT]]",
+               "a call list; opening missed, forwarded or all marks those calls seen", List},
+              {"detail", "TYPE ROW", "the detail of one call", Detail},
+              {"remove", "TYPE ROW... | TYPE all", "removes calls", Remove},
+              {"last", "", "the last incoming and the last outgoing number", Last},
+              {"new", "missed|forwarded", "the new calls by caller; marks nothing seen", NewCalls},
+              {"dealt", "missed|forwarded NUMBER", "the calls from a number are no longer new",
+               DealtWith},
+          }};
 }
 
 }  // namespace desk

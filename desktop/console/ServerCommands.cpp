@@ -88,16 +88,6 @@ void Entry(Console& console, Arguments& arguments) {
   }
 }
 
-// To the local directory, or to its block list.
-void Keep(Console& console, Arguments& arguments) {
-  const int row = ParseInt(arguments.Word("the row"), "the row");
-  const bool blocked = arguments.WordOr("") == "block";
-  arguments.Done();
-  const bool kept =
-      blocked ? Controller().AddToLocalBlackDir(row) : Controller().AddToLocalDir(row);
-  console.out << (kept ? "  kept\n" : "  not offered for server call logs\n");
-}
-
 void Cancel(Console& console, Arguments& arguments) {
   arguments.Done();
   console.out << (Controller().CancelDownload() ? "  cancelled; the next request fetches it anew\n"
@@ -170,8 +160,6 @@ CommandGroup ServerCommands() {
               {"server", "SOURCE [FIRST [COUNT]] [query=NAME] [refresh=on]",
                "a source's list: starts its download, or pages through it", Server},
               {"entry", "ROW", "one entry of the list asked for last", Entry},
-              {"keep", "ROW [block]", "an entry into the directory, or its block list: not offered",
-               Keep},
               {"cancel", "", "discards what is being downloaded", Cancel},
               {"await", "", "waits until nothing is being downloaded", Await},
               {"source", "INDEX [name=N] [server=S] [port=P] [user=U] [password=P]",

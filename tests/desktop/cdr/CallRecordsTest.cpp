@@ -291,7 +291,9 @@ TEST_F(CallRecords, NameBadRowsAndGoOn) {
       {"\n \t\r\n" + With(&Row::lastapp, "\"D\nl\"").Master() + "\r\na\r\n",
        {"7: 1 column, too few for a call record"},
        3},
-      {std::string(17 << 20, 'x') + "\n", {"2: longer than 16 MB"}},
+      {std::string(16 << 20, 'x') + "\n", {"2: 1 column, too few for a call record"}},
+      {std::string((16 << 20) + 1, 'x') + "\n", {"2: longer than 16 MB"}},
+      {std::string(33 << 20, 'x') + "\n", {"2: longer than 16 MB"}},
       {With(&Row::lastapp, std::string(2 << 20, '\0')).Master(), {}, 3},
   };
   for (const auto& row : rows) {
@@ -334,7 +336,7 @@ TEST_F(CallRecords, ReadTimesAsLocal) {
   EXPECT_EQ(Read(With(&Row::start, "2026-03-29 02:30:00").Master()).calls.size(), 1u);
 }
 
-TEST_F(CallRecords, ReportTheBytesReadAndLoseNothingBetweenChunks) {
+TEST_F(CallRecords, ReportTheBytesRead) {
   std::string text;
   for (int i = 0; i < 1000; ++i) text += Row().Master() + Row().Custom();
   std::istringstream in(text);
