@@ -7,13 +7,14 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <ctime>
 #include <limits>
 #include <new>
 #include <optional>
 #include <string_view>
 #include <utility>
+
+#include "desktop/platform/WholeNumber.h"
 
 namespace desk {
 namespace {
@@ -159,10 +160,10 @@ std::string ReadStart(const std::string& text, int* start) {
 }
 
 std::string ReadSeconds(const char* column, std::string_view text, int* seconds) {
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, *seconds);
-  if (error == std::errc() && stop == end && *seconds >= 0) return {};
-  return std::string(column) + " is not a number of seconds: " + Quoted(text);
+  const auto number = WholeNumber(text, 0);
+  if (!number) return std::string(column) + " is not a number of seconds: " + Quoted(text);
+  *seconds = *number;
+  return {};
 }
 
 // Text as a phone's line shows it: control characters would break lists and the history file.

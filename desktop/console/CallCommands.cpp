@@ -12,7 +12,7 @@ namespace desk {
 namespace {
 
 // SIP account the call went through: the one named, else the phone's first.
-Account AccountOf(Phone& phone, const std::string& fullName) {
+Account ParseAccount(Phone& phone, const std::string& fullName) {
   if (!fullName.empty()) {
     const std::size_t at = fullName.rfind('@');
     if (at == std::string::npos) throw CommandError("an account is USER@SERVER");
@@ -40,7 +40,7 @@ void Call(Console& console, Arguments& arguments) {
   call.type = ParseCallType(arguments.Word("the call type"));
   call.remote_sip_name = arguments.Word("the number");
   arguments.Done();
-  const Account account = AccountOf(console.phone, arguments.Option("account"));
+  const Account account = ParseAccount(console.phone, arguments.Option("account"));
   call.local_sip_name = account.name;
   call.local_sip_server = account.server;
   call.born_tick = CallTime(console, arguments);
@@ -60,7 +60,7 @@ void Import(Console& console, Arguments& arguments) {
   CallImport import;
   import.file = arguments.Word("the file");
   import.extension = arguments.Word("the extension");
-  import.server = arguments.Option("server", AccountOf(console.phone, "").server);
+  import.server = arguments.Option("server", ParseAccount(console.phone, "").server);
   arguments.Done();
   import.Run(console);
 }

@@ -14,6 +14,7 @@
 
 #include "CallLog.h"
 #include "desktop/cdr/CallRecords.h"
+#include "desktop/console/CallType.h"
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
 #include "desktop/console/ProgressBar.h"
@@ -59,8 +60,7 @@ void PrintLists(std::ostream& out) {
   for (int type = 1; type < kTypes; ++type) {
     CallLogSimpleListData page;
     page.request_count = kRowsShown;
-    const std::string action = "OpenSubPage(call_log_" + std::to_string(type) + ")";
-    NS_CALLLOG::CCallLogController::GetInstance()->GetLogListByClickAction(&page, action);
+    NS_CALLLOG::CCallLogController::GetInstance()->GetLogListByClickAction(&page, ListAction(type));
     PrintCallList(out, TypeName(type), page);
   }
 }

@@ -20,7 +20,9 @@ int ParseCallType(const std::string& text) {
 
 std::string ListAction(const std::string& text) {
   if (text.find('(') != std::string::npos) return text;
-  return "OpenSubPage(call_log_" + std::to_string(ParseCallType(text)) + ")";
+  return ListAction(ParseCallType(text));
 }
+
+std::string ListAction(int type) { return "OpenSubPage(call_log_" + std::to_string(type) + ")"; }
 
 }  // namespace desk

@@ -12,5 +12,6 @@ int ParseCallType(const std::string& text);
 // The click action that opens the list of a type: "OpenSubPage(call_log_2)" for "missed". A text
 // with a bracket is taken for a click action and stays as it is.
 std::string ListAction(const std::string& text);
+std::string ListAction(int type);
 
 }  // namespace desk

@@ -5,6 +5,8 @@
 #include <charconv>
 #include <utility>
 
+#include "desktop/platform/WholeNumber.h"
+
 namespace desk {
 namespace {
 
@@ -113,13 +115,8 @@ void Arguments::Done() const {
 }
 
 int ParseInt(const std::string& text, const char* what) {
-  int value = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || stop != end) {
-    throw CommandError(std::string(what) + " must be a whole number, not \"" + text + "\"");
-  }
-  return value;
+  if (const auto number = WholeNumber(text)) return *number;
+  throw CommandError(std::string(what) + " must be a whole number, not \"" + text + "\"");
 }
 
 bool ParseSwitch(const std::string& text) {

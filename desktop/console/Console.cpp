@@ -4,6 +4,7 @@
 #include "CallLog.h"
 #include "desktop/console/Screen.h"
 #include "desktop/platform/Text.h"
+#include "desktop/platform/TransferUrl.h"
 
 namespace desk {
 namespace {

@@ -18,18 +18,10 @@ std::string Join(const std::vector<std::string>& parts) {
 }
 
 // Terminal columns of printable UTF-8.
-std::size_t Width(const std::string& text) {
-  std::size_t width = 0;
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  for (auto left = static_cast<utf8proc_ssize_t>(text.size()); left > 0;) {
-    utf8proc_int32_t letter = 0;
-    const utf8proc_ssize_t length =
-        std::max<utf8proc_ssize_t>(1, utf8proc_iterate(bytes, left, &letter));
-    width += static_cast<std::size_t>(std::max(0, utf8proc_charwidth(letter)));
-    bytes += length;
-    left -= length;
-  }
-  return width;
+std::size_t Width(std::string_view text) {
+  int width = 0;
+  while (!text.empty()) width += std::max(0, utf8proc_charwidth(TakeCharacter(&text).code));
+  return static_cast<std::size_t>(width);
 }
 
 std::string Padded(const std::string& text, std::size_t width) {

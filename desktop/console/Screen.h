@@ -17,7 +17,7 @@ std::string IdleLine(const Display& display);
 // The idle screen as a box, with the time and date.
 void PrintIdleScreen(std::ostream& out, const Display& display, std::time_t now);
 
-// One page of a call list; `first` is the row number of its first row.
+// One page of a call list, its rows numbered as in the whole list.
 void PrintCallList(std::ostream& out, const std::string& title, const CallLogSimpleListData& page);
 
 void PrintDetail(std::ostream& out, const CallLogDetailData& detail);

@@ -1,6 +1,4 @@
 // Commands that search the history, and change the names in it.
-#include <utf8proc.h>
-
 #include "CallLog.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/Screen.h"
@@ -23,31 +21,23 @@ void PrintHits(std::ostream& out, const Page& page) {
   PrintTable(out, rows);
 }
 
-// Bytes of the letter at `position`; one for a byte that is no text.
-std::size_t LetterLength(const std::string& text, std::size_t position) {
-  utf8proc_int32_t letter = 0;
-  const auto length =
-      utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()) + position,
-                       static_cast<utf8proc_ssize_t>(text.size() - position), &letter);
-  return length > 0 ? static_cast<std::size_t>(length) : 1;
-}
-
 // Key by key, as the search page of a phone asks: each key narrows the list.
 void Search(Console& console, Arguments& arguments) {
   const std::string key = arguments.Word("the key");
   const int first = ParseInt(arguments.WordOr("0"), "the first row");
   arguments.Done();
   CallLogSearchListData page;
-  for (std::size_t end = 0; end < key.size();) {
-    end += LetterLength(key, end);
+  for (std::string_view rest = key; !rest.empty();) {
+    TakeCharacter(&rest);
+    const std::string typed = key.substr(0, key.size() - rest.size());
     page = CallLogSearchListData();
-    page.request_index = end == key.size() ? first : 0;
+    page.request_index = rest.empty() ? first : 0;
     page.request_count = kRowsShown;
-    if (CallLog_Search(&page, key.substr(0, end)) != 1) {
+    if (CallLog_Search(&page, typed) != 1) {
       console.out << "  no such page\n";
       return;
     }
-    console.out << "  " << Printable(key.substr(0, end)) << ": " << page.total
+    console.out << "  " << Printable(typed) << ": " << page.total
                 << (page.total == 1 ? " hit\n" : " hits\n");
   }
   PrintHits(console.out, page);

@@ -1,18 +1,17 @@
 // What may not stand in a field, since the URL would end the field there or its file would lose it.
 #include "desktop/console/SourceCheck.h"
 
-#include <utf8proc.h>
-
-#include <charconv>
 #include <vector>
 
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/WholeNumber.h"
 
 namespace desk {
 namespace {
 
 constexpr std::string_view kSchemeEnd = "://";
+constexpr int kLastPort = 65535;
 
 // The first that stands in the text; empty when there is none.
 std::string_view FirstOf(const std::vector<std::string_view>& parts, std::string_view text) {
@@ -25,17 +24,11 @@ std::string_view FirstOf(const std::vector<std::string_view>& parts, std::string
 // The first bytes that XML cannot hold; empty when there are none.
 std::string_view FirstNoText(std::string_view text) {
   while (!text.empty()) {
-    utf8proc_int32_t letter = 0;
-    const auto* const bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    const auto size = static_cast<utf8proc_ssize_t>(text.size());
-    const utf8proc_ssize_t length = utf8proc_iterate(bytes, size, &letter);
-    if (length <= 0) return text.substr(0, 1);
-    const bool blank = letter == '\t' || letter == '\n' || letter == '\r';
-    const auto step = static_cast<std::size_t>(length);
-    if ((letter < ' ' && !blank) || letter == 0xFFFE || letter == 0xFFFF) {
-      return text.substr(0, step);
+    const Character letter = TakeCharacter(&text);
+    const bool blank = letter.code == '\t' || letter.code == '\n' || letter.code == '\r';
+    if ((letter.code < ' ' && !blank) || letter.code == 0xFFFE || letter.code == 0xFFFF) {
+      return letter.bytes;
     }
-    text.remove_prefix(step);
   }
   return {};
 }
@@ -54,14 +47,6 @@ struct Address {
     path = server.substr(start + host.size());
   }
 };
-
-bool IsPort(const std::string& text) {
-  constexpr int kLast = 65535;
-  int number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  return error == std::errc() && stop == end && number >= 1 && number <= kLast;
-}
 
 }  // namespace
 
@@ -83,7 +68,7 @@ std::string WhyUnusable(const BroadSoftConfigItem& source) {
     if (found.empty()) found = FirstNoText(field.text);
     if (!found.empty()) return Format("a %s cannot hold \"", field.what) + Printable(found) + "\"";
   }
-  if (!source.port.empty() && !IsPort(source.port)) {
+  if (!source.port.empty() && !WholeNumber(source.port, 1, kLastPort)) {
     return "the port must be a number from 1 to 65535, not \"" + Printable(source.port) + "\"";
   }
   const std::string port = source.port.empty() ? "" : ":" + source.port;

@@ -2,6 +2,7 @@
 #include <climits>
 
 #include "CallLog.h"
+#include "desktop/console/CallType.h"
 #include "desktop/console/Commands.h"
 #include "desktop/phone/AddCall.h"
 #include "desktop/platform/Text.h"
@@ -15,7 +16,7 @@ using NS_CALLLOG::CCallLogController;
 CCallLogController& Controller() { return *CCallLogController::GetInstance(); }
 
 // The account of a call; the phone's first stands for the default account.
-const Account* AccountOf(Phone& phone, int id) {
+const Account* FindAccount(Phone& phone, int id) {
   const auto& accounts = phone.platform().accounts.All();
   for (const Account& account : accounts) {
     if (account.id == id) return &account;
@@ -26,7 +27,7 @@ const Account* AccountOf(Phone& phone, int id) {
 void ShowTalk(Console& console) {
   const Talk& talk = console.phone.platform().talk;
   if (talk.call) {
-    const Account* const account = AccountOf(console.phone, talk.call->accountId);
+    const Account* const account = FindAccount(console.phone, talk.call->accountId);
     console.out << "  calling " << Printable(talk.call->name) << ", "
                 << Printable(talk.call->number) << ", through "
                 << (talk.call->accountId < 0 ? "the default account" : account->FullName())
@@ -58,7 +59,7 @@ void DialScreen(Console& console, Arguments& arguments) {
 
 void Redial(Console& console, Arguments& arguments) {
   arguments.Done();
-  Controller().RedialNumberByClickAction("OpenSubPage(call_log_2)");
+  Controller().RedialNumberByClickAction(ListAction(2));
   ShowTalk(console);
 }
 
@@ -73,7 +74,7 @@ void HangUp(Console& console, Arguments& arguments) {
   call.duration = static_cast<int>(std::min<std::time_t>(now - talk.call->started, INT_MAX));
   call.remote_sip_name = talk.call->number;
   call.remote_display_name = talk.call->name;
-  if (const Account* account = AccountOf(console.phone, talk.call->accountId)) {
+  if (const Account* account = FindAccount(console.phone, talk.call->accountId)) {
     call.local_sip_name = account->name;
     call.local_sip_server = call.remote_sip_server = account->server;
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,9 +15,14 @@ std::string FormatV(const char* format, va_list arguments);
 // `bytes` up to its first NUL.
 std::string CString(const std::string& bytes);
 
-// `text` with "***" for the user and password of a URL in it, and for whatever might belong to
-// them: where that cannot be told, up to the last "@" of the text.
-std::string MaskCredentials(std::string_view text);
+// A character of UTF-8, or one byte that is none: its code is -1.
+struct Character {
+  std::int32_t code = -1;
+  std::string_view bytes;
+};
+
+// Takes the first character off `text`, which must not be empty.
+Character TakeCharacter(std::string_view* text);
 
 // `text` fit for a terminal: control characters become "\xNN", and so do malformed UTF-8 bytes.
 std::string Printable(std::string_view text);

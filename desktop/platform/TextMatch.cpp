@@ -8,6 +8,8 @@
 #include <array>
 #include <optional>
 
+#include "desktop/platform/Text.h"
+
 namespace desk {
 namespace {
 
@@ -46,16 +48,13 @@ void AppendDecomposed(std::u32string& characters, utf8proc_int32_t c, int option
 }
 
 // Takes the first character of `text`, which must not be empty, to the end of `characters`.
-void TakeCharacter(std::string_view* text, std::u32string* characters) {
-  utf8proc_int32_t c = 0;
-  const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text->data()),
-                                       static_cast<utf8proc_ssize_t>(text->size()), &c);
-  if (length > 0) {
-    AppendDecomposed(*characters, c, UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT);
+void MoveCharacter(std::string_view* text, std::u32string* characters) {
+  const Character first = TakeCharacter(text);
+  if (first.code >= 0) {
+    AppendDecomposed(*characters, first.code, UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT);
   } else {
-    *characters += kMalformed + ToByte(text->front());
+    *characters += kMalformed + ToByte(first.bytes.front());
   }
-  text->remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
 }
 
 // Gives the folded characters of a text one by one: a caller's name can be long, and mostly its
@@ -76,7 +75,7 @@ class FoldedText {
  private:
   void Refill() {
     std::u32string characters;
-    TakeCharacter(&rest_, &characters);
+    MoveCharacter(&rest_, &characters);
     ahead_.clear();
     position_ = 0;
     for (const char32_t c : characters) {
@@ -116,7 +115,7 @@ bool IsAscii(std::string_view text) {
 std::u32string ReadCharacters(std::string_view text) {
   std::u32string characters;
   characters.reserve(text.size());
-  while (!text.empty()) TakeCharacter(&text, &characters);
+  while (!text.empty()) MoveCharacter(&text, &characters);
   return characters;
 }
 

@@ -3,6 +3,7 @@
 
 #include "desktop/platform/Journal.h"
 #include "desktop/platform/Text.h"
+#include "desktop/platform/TransferUrl.h"
 
 namespace desk {
 

@@ -33,13 +33,11 @@ TransferService* TransferService::Current() { return current; }
 
 Transfer* TransferService::Create(const char* localPath, const char* remoteUrl) {
   if (localPath == nullptr || *localPath == '\0' || remoteUrl == nullptr) return nullptr;
-  auto url = SplitUrl(remoteUrl);
-  if (!url) return nullptr;
+  if (!SplitUrl(remoteUrl)) return nullptr;
   auto transfer = std::make_unique<Transfer>();
   transfer->id = ++lastId_;
   transfer->localPath = localPath;
   transfer->remoteUrl = remoteUrl;
-  transfer->url = *std::move(url);
   return transfers_.emplace_back(std::move(transfer)).get();
 }
 
@@ -52,7 +50,7 @@ bool TransferService::Start(Transfer& transfer) {
   const auto download = std::make_shared<Download>();
   download->id = transfer.id;
   download->target = transfer.localPath;
-  download->url = transfer.url;
+  download->url = *SplitUrl(transfer.remoteUrl);
   const std::future<void> ended = download->ended.get_future();
   thread_->Start(download);
   transfer.download = download;

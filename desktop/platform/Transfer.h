@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "desktop/platform/TransferUrl.h"
 #include "platform/TaskAction.h"
 
 namespace desk {
@@ -35,7 +34,6 @@ struct Transfer final : NS_TA::CNetworkFileAction {
   unsigned int id = 0;
   std::string localPath;
   std::string remoteUrl;
-  TransferUrl url;
   bool read = true;
   bool sync = false;
   NS_TA::CTaskActionCallbackBase* callback = nullptr;

@@ -18,6 +18,7 @@
 
 #include "desktop/platform/PrivateFile.h"
 #include "desktop/platform/Transfer.h"
+#include "desktop/platform/TransferUrl.h"
 
 namespace desk {
 

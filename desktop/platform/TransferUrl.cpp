@@ -37,6 +37,21 @@ std::string Escaped(const std::string& url) {
   return Owned(text);
 }
 
+// Where the credentials at the start of `rest`, which follows "://", end. Nobody has escaped them:
+// they can hold what looks like a host, a path or another URL. So they reach to the last "@" of
+// all, but for those where a path repeats the user, as in "/user/anna@example.org/".
+std::size_t CredentialsEnd(std::string_view rest) {
+  const std::size_t colon = rest.find(':');
+  const std::string repeated = "/" + std::string(rest.substr(0, colon)) + "/";
+  std::size_t at = rest.rfind('@');
+  for (;;) {
+    const std::size_t again = rest.rfind(repeated, at);
+    if (again == rest.npos || at >= again + repeated.size()) break;
+    at = rest.rfind('@', again);
+  }
+  return at < colon ? rest.rfind('@') : at;
+}
+
 }  // namespace
 
 std::optional<TransferUrl> SplitUrl(std::string_view url) {
@@ -57,6 +72,15 @@ std::optional<TransferUrl> SplitUrl(std::string_view url) {
   split.address = Escaped(std::string(url.substr(0, start)).append(host).append(path));
   if (split.address.empty()) return {};
   return split;
+}
+
+std::string MaskCredentials(std::string_view text) {
+  const std::size_t scheme = text.find(kSchemeEnd);
+  if (scheme == text.npos) return std::string(text);
+  const std::size_t start = scheme + kSchemeEnd.size();
+  const std::size_t end = CredentialsEnd(text.substr(start));
+  if (end == text.npos) return std::string(text);
+  return std::string(text.substr(0, start)).append("***").append(text.substr(start + end));
 }
 
 std::string EscapeQuery(const std::string& text) {

@@ -21,6 +21,10 @@ struct TransferUrl {
 // at the first ":". Nothing for a URL that is neither http nor https or makes no sense.
 std::optional<TransferUrl> SplitUrl(std::string_view url);
 
+// `text` with "***" for the user and password of a URL in it, and for whatever might belong to
+// them: where that cannot be told, up to the last "@" of the text.
+std::string MaskCredentials(std::string_view text);
+
 // `text` as it can stand in a query: it arrives at the server as it is, whatever it holds.
 std::string EscapeQuery(const std::string& text);
 

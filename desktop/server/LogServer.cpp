@@ -6,11 +6,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 
+#include "desktop/platform/WholeNumber.h"
 #include "desktop/server/ServedDocument.h"
 
 namespace desk {
@@ -23,14 +22,6 @@ constexpr char kXml[] = "application/xml";
 constexpr char kPage[] =
     "<!DOCTYPE html>\n<html><head><title>Sign in</title></head>"
     "<body><p>Please sign in.</p></body></html>\n";
-
-std::optional<int> ParseNumber(std::string_view text, int low, int high) {
-  int number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end || number < low || number > high) return {};
-  return number;
-}
 
 bool WriteSpaces(std::size_t /*offset*/, httplib::DataSink& sink) {
   static const std::string spaces(16 * 1024, ' ');
@@ -46,13 +37,13 @@ Behaviour ParseBehaviour(const std::string& text) {
   };
   const auto found = kByName.find(text);
   if (found != kByName.end()) return {found->second, 0, {}};
-  if (const auto status = ParseNumber(text, 400, 599)) return {Kind::kStatus, *status, {}};
+  if (const auto status = WholeNumber(text, 400, 599)) return {Kind::kStatus, *status, {}};
   const std::size_t colon = text.find(':');
   const std::string name = text.substr(0, colon);
   const std::string argument = colon != text.npos ? text.substr(colon + 1) : "";
   if (name == "redirect" && !argument.empty()) return {Kind::kRedirect, 0, argument};
   if (name == "delay") {
-    if (const auto seconds = ParseNumber(argument, 0, 3600)) return {Kind::kDelay, *seconds, {}};
+    if (const auto seconds = WholeNumber(argument, 0, 3600)) return {Kind::kDelay, *seconds, {}};
   }
   throw std::invalid_argument("a server cannot answer with \"" + text + "\"");
 }
