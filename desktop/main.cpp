@@ -12,7 +12,6 @@
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
-#include "desktop/console/ScriptInput.h"
 #include "desktop/console/Signals.h"
 #include "desktop/console/Terminal.h"
 #include "desktop/console/TimeInput.h"
@@ -86,22 +85,25 @@ void SetTrace(const Options& options, desk::Console& console) {
   }
 }
 
-// The number of wrong lines. What the script names stands beside it.
-int RunScriptFile(desk::Console console, const std::string& name) {
-  desk::ScriptInput input(console, name);
-  std::istream lines(&input);
-  if (name != "-") console.folder /= fs::path(name).parent_path();
-  return desk::RunScript(console, lines, name == "-" ? "standard input" : name, std::cerr);
-}
-
-// By hand, or by a script; the number of its wrong lines.
-int UsePhone(const Options& options, desk::Console& console, desk::Signals& signals) {
-  if (console.logServer != nullptr) desk::SetUpSources(*console.logServer);
+// The number of wrong lines.
+int RunScripts(const Options& options, const desk::Console& console) {
   int wrong = 0;
   if (!options.firstDay.empty() && !fs::exists(console.phone.HistoryFile())) {
-    wrong = RunScriptFile(console, options.firstDay);
+    wrong += desk::RunScriptFile(console, options.firstDay, std::cerr);
   }
-  if (!options.script.empty()) return wrong + RunScriptFile(console, options.script);
+  if (!options.script.empty()) wrong += desk::RunScriptFile(console, options.script, std::cerr);
+  return wrong;
+}
+
+int UsePhone(const Options& options, bool importing, desk::Console& console,
+             desk::Signals& signals) {
+  if (importing) {
+    options.import.Run(console);
+    return 0;
+  }
+  if (console.logServer != nullptr) desk::SetUpSources(*console.logServer);
+  const int wrong = RunScripts(options, console);
+  if (!options.script.empty()) return wrong;
   console.out << "\"help\" lists the commands; \"quit\" leaves.\n";
   desk::RunTerminal(console, signals);
   return wrong;
@@ -122,12 +124,7 @@ int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
   signals.WakeUp(phone.platform().loop.descriptor());
   phone.interrupted = [&signals] { return signals.Ending() != 0; };
   SetTrace(options, console);
-  int wrong = 0;
-  if (importing) {
-    options.import.Run(console);
-  } else {
-    wrong = UsePhone(options, console, signals);
-  }
+  const int wrong = UsePhone(options, importing, console, signals);
   phone.Save();
   desk::ReportNews(console);
   return wrong > 0 ? kWrongCommands : 0;
@@ -150,6 +147,7 @@ void AddOptions(CLI::App* app, Options* options) {
 }
 
 CLI::App* AddImport(CLI::App* app, Options* options) {
+  options->import.server = "pbx.example.org";
   CLI::App* const cdr =
       app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists");
   cdr->add_option("FILE", options->import.file, "Master.csv, or the custom layout")->required();
@@ -186,7 +184,6 @@ int RunPhoneUntilSignal(Options* options, bool importing) {
 
 int main(int argc, char** argv) {
   Options options;
-  options.import.server = "pbx.example.org";
   CLI::App app(
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
       "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"

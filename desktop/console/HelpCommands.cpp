@@ -5,26 +5,30 @@
 namespace desk {
 namespace {
 
-void Help(Console& console, Arguments& arguments) {
-  if (arguments.HasWord()) {
-    const std::string name = arguments.Word("the command");
-    arguments.Done();
-    const Command* const command = FindCommand(name);
-    if (command == nullptr) throw CommandError("unknown command \"" + name + "\"");
-    console.out << "  " << command->name << " " << command->arguments << "\n  " << command->help
-                << "\n";
-    return;
-  }
+void ShowCommand(std::ostream& out, const std::string& name) {
+  const Command* const command = FindCommand(name);
+  if (command == nullptr) throw CommandError("unknown command \"" + name + "\"");
+  out << "  " << command->name << " " << command->arguments << "\n  " << command->help << "\n";
+}
+
+void ShowCommands(std::ostream& out) {
   for (const CommandGroup& group : AllCommands()) {
-    console.out << "  " << group.title << "\n";
+    out << "  " << group.title << "\n";
     std::vector<std::vector<std::string>> rows;
     for (const Command& command : group.commands) {
       rows.push_back({" " + command.name, command.help});
     }
-    PrintTable(console.out, rows);
+    PrintTable(out, rows);
   }
-  console.out << "  \"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
-                 "name=\"Anna Berg\".\n";
+  out << "  \"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
+         "name=\"Anna Berg\".\n";
+}
+
+void Help(Console& console, Arguments& arguments) {
+  if (!arguments.HasWord()) return ShowCommands(console.out);
+  const std::string name = arguments.Word("the command");
+  arguments.Done();
+  ShowCommand(console.out, name);
 }
 
 void Quit(Console& console, Arguments& arguments) {

@@ -43,21 +43,22 @@ void Search(Console& console, Arguments& arguments) {
   PrintHits(console.out, page);
 }
 
+template <class Page>
+void PrintDialled(std::ostream& out, int (*search)(Page*)) {
+  Page page;
+  page.request_count = kRowsShown * 10;
+  const int total = search(&page) == 1 ? page.total : 0;
+  out << "  most dialled: " << total << (total == 1 ? " number\n" : " numbers\n");
+  PrintHits(out, page);
+}
+
 void Dialled(Console& console, Arguments& arguments) {
   const bool cut = arguments.WordOr("all") == "top";
   arguments.Done();
-  CallLogSearchListData all;
-  SuperSearchListData top;
-  all.request_count = top.request_count = kRowsShown * 10;
-  const int result =
-      cut ? CallLog_SuperSearchRecentOutCall(&top) : CallLog_SearchRecentOutCall(&all);
-  const int total = cut ? top.total : all.total;
-  console.out << "  most dialled: " << (result == 1 ? total : 0)
-              << (total == 1 ? " number\n" : " numbers\n");
   if (cut) {
-    PrintHits(console.out, top);
+    PrintDialled(console.out, CallLog_SuperSearchRecentOutCall);
   } else {
-    PrintHits(console.out, all);
+    PrintDialled(console.out, CallLog_SearchRecentOutCall);
   }
 }
 

@@ -50,21 +50,18 @@ void OnLine(char* text) {
   if (console.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
 }
 
+// Readline asks until there is none, and sorts them.
 char* NextCommand(const char* prefix, int state) {
   static std::vector<std::string> names;
-  static std::size_t next = 0;
-  if (state == 0) {
-    next = 0;
-    names.clear();
-    for (const CommandGroup& group : AllCommands()) {
-      for (const Command& command : group.commands) names.push_back(command.name);
+  for (const CommandGroup& group : AllCommands()) {
+    for (const Command& command : group.commands) {
+      if (state == 0 && command.name.rfind(prefix, 0) == 0) names.push_back(command.name);
     }
   }
-  while (next < names.size()) {
-    const std::string& name = names[next++];
-    if (name.rfind(prefix, 0) == 0) return strdup(name.c_str());
-  }
-  return nullptr;
+  if (names.empty()) return nullptr;
+  char* const name = strdup(names.back().c_str());
+  names.pop_back();
+  return name;
 }
 
 // Commands for the first word, files for the others.
