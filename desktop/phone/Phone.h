@@ -30,7 +30,8 @@ class Phone {
  public:
   // Starts the phone. Throws RootError when the directory cannot be used.
   Phone(const std::filesystem::path& root, const Profile& profile, std::unique_ptr<Clock> clock);
-  // Shuts down in good order: unsaved changes are saved.
+  // Shuts down in good order: unsaved changes are saved. What the guard makes of that, only who has
+  // called Save() before is told.
   ~Phone();
 
   // What a cut of the power does: nothing is saved. Then the phone starts again.
