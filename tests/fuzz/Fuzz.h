@@ -18,9 +18,9 @@ void FuzzOne(const std::string& input);
 class FuzzPhone : public PhoneTest {
  public:
   void TestBody() override {}
-  using PhoneTest::desktop;
   using PhoneTest::HistoryFile;
   using PhoneTest::Names;
+  using PhoneTest::platform;
 };
 
 // The attributes of the root's children "item", read by a strict parser. Nothing when `bytes` are
