@@ -18,16 +18,22 @@ using NS_CALLLOG::CBSCallLogController;
 
 CBSCallLogController& Controller() { return *CBSCallLogController::GetInstance(); }
 
+// Where a source leads, without what only its server is to know.
+std::string Place(const BroadSoftConfigItem& source) {
+  const std::string refusal = WhyUnusable(source);
+  if (!refusal.empty()) return "(cannot be used: " + refusal + ")";
+  return Printable(source.server + (source.port.empty() ? "" : " port " + source.port)) +
+         (source.user_name.empty() ? "" : "  " + Printable("as " + source.user_name));
+}
+
 void Sources(Console& console, Arguments& arguments) {
   arguments.Done();
   std::vector<std::vector<std::string>> rows;
   for (int i = 0; i < Controller().GetTotalConfigurableItemCount(); ++i) {
     const BroadSoftConfigItem& source = *Controller().GetConfigDataByIndex(i);
-    const std::string port = source.port.empty() ? "" : " port " + source.port;
     rows.push_back({std::to_string(i),
                     Controller().IsItemConfigured(i) ? Printable(source.name) : "(no name)",
-                    Printable(MaskCredentials(source.server) + port),
-                    source.user_name.empty() ? "" : Printable("as " + source.user_name)});
+                    Place(source)});
   }
   const std::string name = CallLog_GetBSCallLogDisplayName();
   console.out << "  server call logs are "
@@ -55,6 +61,14 @@ std::string SourceAction(const std::string& source) {
          ")";
 }
 
+// A hand can have written a source into the file that leads elsewhere, or to nobody.
+void CheckSource(const std::string& word) {
+  if (word.find('(') != std::string::npos) return;
+  const auto* const source = Controller().GetConfigDataByIndex(ParseInt(word, "the source"));
+  const std::string refusal = source != nullptr ? WhyUnusable(*source) : std::string();
+  if (!refusal.empty()) throw CommandError("source " + word + " cannot be used: " + refusal);
+}
+
 // What is typed arrives as it was typed, unless it is written as in a URL.
 std::string QueryFor(const std::string& typed) {
   return typed.rfind(kNameQuery, 0) == 0 ? typed : EscapeQuery(typed);
@@ -68,6 +82,7 @@ void Server(Console& console, Arguments& arguments) {
   page.request_count = ParseInt(arguments.WordOr("20"), "the number of rows");
   arguments.Done();
   const bool refresh = ParseSwitch(arguments.Option("refresh", "off"));
+  CheckSource(source);
   const int result = Controller().GetLogListByClickAction(
       &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
   if (result == NS_CALLLOG::BS_LIST_OK) {
