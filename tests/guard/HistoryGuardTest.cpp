@@ -2,8 +2,6 @@
 // loads that fail, and what of 399 calls is there after the next start.
 #include "guard/HistoryGuard.h"
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -182,16 +180,6 @@ TEST_F(HistoryGuardTest, PutsTheGoodCopyBack) {
     EXPECT_EQ(Start(), Outcome::kPutBack);
     EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", row.aside}}));
     ExpectGoesOn(kCalls);
-
-    // Where nothing can be written, the module never gets at the only copy.
-    Lay({}, whole);
-    row.make();
-    EXPECT_EQ(StartWithout(RLIMIT_FSIZE), Outcome::kPutBack);
-    EXPECT_EQ(Found(), (Files{{".good", kCalls}, {".aside-1", row.aside}}));
-    SaveWithout(RLIMIT_FSIZE);
-    EXPECT_EQ(guard->AfterSave(), Outcome::kIncomplete);
-    EXPECT_EQ(Start(), Outcome::kPutBack);
-    ExpectGoesOn(kCalls);
   }
   Lay({}, whole);
   EXPECT_EQ(Start(), Outcome::kPutBack);
@@ -289,27 +277,6 @@ TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {
   EXPECT_EQ(SaveAndTell(), Outcome::kNotCounted);
   EXPECT_EQ(Start(), Outcome::kPutBack);
   ExpectGoesOn(kCalls);
-}
-
-// A disk on which two copies have room, but not three.
-TEST_F(HistoryGuardTest, DropsWhatIsSetAsideOnAFullDisk) {
-  const std::string directory = HistoryFile().parent_path();
-  const std::string size = "size=" + std::to_string(whole.size() * 5 / 2);
-  if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      mount("tmpfs", directory.c_str(), "tmpfs", 0, size.c_str()) != 0) {
-    GTEST_SKIP() << "no file systems can be mounted here";
-  }
-  WriteFile(HistoryFile(), whole);
-  EXPECT_EQ(Start(), Outcome::kGood);
-  for (int calls = kCalls; calls <= kCalls + 1; ++calls) {
-    WriteFile(HistoryFile(), whole.substr(0, whole.size() - 20));
-    EXPECT_EQ(Start(), Outcome::kPutBack);
-    EXPECT_EQ(Found(), (Files{{"", calls}, {".good", calls}}));
-    EXPECT_EQ(SaveAndTell(), Outcome::kGood);
-    EXPECT_EQ(Start(), Outcome::kGood);
-    EXPECT_EQ(Size(), kCalls + 1);
-  }
-  umount(directory.c_str());
 }
 
 TEST_F(HistoryGuardTest, TakesNoFailedSaveForAGoodOne) {
