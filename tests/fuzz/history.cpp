@@ -37,7 +37,7 @@ class HistoryPhone : public FuzzPhone {
     EXPECT_TRUE(missed.items.empty()) << "nothing loaded is new";
     std::string shown;
     for (int type = 0; type <= 4; ++type) {
-      const std::vector<std::string> names = Names(type);
+      const Strings names = Names(type);
       for (std::size_t row = 0; row < names.size(); ++row) {
         const CallLogDetailData detail = Detail(type, static_cast<int>(row));
         EXPECT_EQ(names[row], detail.display_name.empty() ? detail.number : detail.display_name);

@@ -6,13 +6,12 @@ namespace desk {
 namespace {
 
 using NS_CALLLOG::CBSCallLogController;
-using Texts = std::vector<std::string>;
 
 CBSCallLogController& Sources() { return *CBSCallLogController::GetInstance(); }
 
 // Everything that was loaded, field by field.
-Texts Loaded() {
-  Texts texts = {CallLog_GetBSCallLogDisplayName()};
+Strings Loaded() {
+  Strings texts = {CallLog_GetBSCallLogDisplayName()};
   for (int i = 0; i < Sources().GetTotalConfigurableItemCount(); ++i) {
     const BroadSoftConfigItem& item = *Sources().GetConfigDataByIndex(i);
     EXPECT_EQ(Sources().IsItemConfigured(i), !item.name.empty());
@@ -35,7 +34,7 @@ void FuzzOne(const std::string& input) {
   CBSCallLogController::ReleaseInstance();
   const bool loaded = Sources().ReloadBSCallLogConfig();
   EXPECT_EQ(ReadFile(file), input);
-  const Texts before = Loaded();
+  const Strings before = Loaded();
   if (!loaded) EXPECT_EQ(before.size(), 1u);
   if (before.size() == 1) return;
   const std::string first = save();

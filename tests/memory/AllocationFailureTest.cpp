@@ -3,9 +3,10 @@
 // changed, or it is a success and everything has; and with memory back all goes on.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <initializer_list>
 
-#include "guard/RestartHistory.h"
 #include "platform/EtlMsgHandler.h"
 #include "tests/memory/FailingMemory.h"
 #include "tests/support/ServerTest.h"
@@ -17,18 +18,6 @@ using NS_CALLLOG::BS_LIST_DOWNLOADING;
 using NS_CALLLOG::BS_LIST_FAILED;
 using NS_CALLLOG::BS_LIST_OK;
 using NS_CALLLOG::CCallLogController;
-
-constexpr int kMissed = 2;  // the type that redial acts on, too
-constexpr int kForwarded = 4;
-
-// A list holds two rows after a success, none after a failure.
-template <class List>
-auto ExpectRows(const List& list) {
-  return
-      [&list](int answer, bool /*failed*/) { EXPECT_EQ(list.items.size(), answer == 1 ? 2u : 0u); };
-}
-
-void ExpectTextUnless(const std::string& text, bool failed) { EXPECT_EQ(text.empty(), failed); }
 
 // Long enough to be allocated wherever it is copied.
 std::string Long(const std::string& text) { return text + " and the rest of a long text"; }
@@ -53,18 +42,22 @@ void FailEach(const std::function<void()>& prepare, Operation operation, Check c
 
 class AllocationFailureTest : public PhoneTest {
  protected:
-  const std::string kAll = Action(0);
-  const std::string kMissedCalls = Action(kMissed);
+  struct Operation {
+    const char* what;
+    std::function<bool()> act;  // whether it has succeeded
+    std::function<void()> prepare = [] {};
+  };
 
-  // A phone with two records of each type, saved and partly seen.
-  void Fill() {
-    CCallLogController::ReleaseInstance();
-    std::filesystem::remove(HistoryFile());
-    for (int type = 1; type <= kForwarded; ++type) {
-      for (const char* number : {"61", "62"}) Add(type, number);
-    }
-    WaitForSave();
-    TakeJournal({});
+  // After a success everything is as without a shortage, after a failure as before.
+  void ExpectWholeOrNothing(const Operation& operation) {
+    Try(operation, [this](bool done) { EXPECT_EQ(State(), done ? whole_ : before_); });
+  }
+
+  // What has changed has changed whole: each row is as before or as without a shortage.
+  void ExpectWholeRows(const Operation& operation) {
+    Try(operation, [this](bool /*done*/) {
+      for (const std::string& row : State()) EXPECT_TRUE(Has(before_, row) || Has(whole_, row));
+    });
   }
 
   static CallLogAddItemData LongCall(int type, const std::string& number) {
@@ -74,200 +67,154 @@ class AllocationFailureTest : public PhoneTest {
     call.local_sip_name = Long("desk");
     return call;
   }
-  static int Add(int type, const std::string& number) {
-    return CallLog_AddLog(LongCall(type, number));
+  static bool Add(int type, const std::string& number) {
+    return CallLog_AddLog(LongCall(type, number)) == 0;
   }
 
-  // Everything that the module shows of the history, without marking anything as seen.
-  Strings Shown() const {
-    Strings shown;
-    for (int row = 0;; ++row) {
-      CallLogDetailData detail;
-      if (Controller().GetLogDetailByClickAction(&detail, kAll, row) == 0) break;
-      shown.push_back(std::to_string(detail.type) + detail.display_name + detail.number +
-                      detail.server + detail.time_text);
-    }
-    MissedNotifyListData missed;
-    ForwardedNotifyList forwarded;
-    Controller().GetMissedNotifyList(&missed);
-    Controller().GetForwardedNotifyList(&forwarded);
-    for (const auto& row : missed.items) shown.push_back(row.number + std::to_string(row.count));
-    for (const auto& row : forwarded.items) {
-      shown.push_back(row.forward_display_name + std::to_string(row.count));
-    }
-    return shown;
-  }
-
-  // What is in memory is what a save and a new start bring back, but for what was new.
-  void ExpectSavedAsShown() {
-    Controller().SaveToFile();
-    const Strings names = Names(0);
-    WaitForSave();
-    PowerCycle();
-    EXPECT_EQ(Names(0), names);
-  }
-};
-
-TEST_F(AllocationFailureTest, ACallIsStoredWholeOrNotAtAll) {
-  Strings before;
-  for (const int type : {1, kMissed, kForwarded}) {
-    const auto prepare = [&] {
-      Fill();
-      before = Shown();
-    };
-    const CallLogAddItemData call = LongCall(type, "63");
-    FailEach(
-        prepare, [&] { return CallLog_AddLog(call); },
-        [&](int answer, bool failed) {
-          const Strings after = Shown();
-          if (answer == -1) {
-            EXPECT_TRUE(failed);
-            EXPECT_EQ(after, before);
-          } else {
-            EXPECT_GT(after.size(), before.size());
-          }
-          EXPECT_EQ(Add(type, "64"), 0);
-          ExpectSavedAsShown();
-        });
-  }
-}
-
-TEST_F(AllocationFailureTest, ASaveLeavesTheFileOrWritesItWhole) {
-  std::string before;
-  int triedAgain = 0;
-  for (const bool byTimer : {false, true}) {
-    const auto prepare = [&] {
-      Fill();
-      before = ReadFile(HistoryFile());
-      Add(3, "63");
-    };
-    const auto save = [&] {
-      if (!byTimer) return Controller().SaveToFile();
-      ETL_MsgQueueHelper::msgObject timer;
-      timer.message = 0x8113;
-      timer.wParam = 90010;
-      return CCallLogController::OnMessage(timer);
-    };
-    FailEach(prepare, save, [&](int answer, bool /*failed*/) {
-      if (answer == 0) {
-        EXPECT_EQ(ReadFile(HistoryFile()), before);
-        WaitForSave();
-        if (ReadFile(HistoryFile()) != before) ++triedAgain;
-      }
-      ExpectSavedAsShown();
-      EXPECT_GT(ReadFile(HistoryFile()).size(), before.size());
-    });
-  }
-  EXPECT_GT(triedAgain, 0);
-}
-
-TEST_F(AllocationFailureTest, AStartLoadsWholeRecordsOrIsTriedAgain) {
-  Fill();
-  const Strings all = Names(0);
-  const auto prepare = [] { CCallLogController::ReleaseInstance(); };
-  FailEach(prepare, NS_GUARD::RestartHistory, [&](int listed, bool failed) {
-    const Strings names = Names(0);
-    if (!failed) {
-      EXPECT_EQ(listed, static_cast<int>(all.size()));
-      EXPECT_EQ(names, all);
-    }
-    for (const std::string& name : names) EXPECT_EQ(name.find("Caller 6"), 0u) << name;
-    EXPECT_EQ(Add(1, "65"), 0);
-    EXPECT_EQ(Names(0).size(), names.size() + 1);
-  });
-}
-
-TEST_F(AllocationFailureTest, AFailedSearchShowsNothingAndSpoilsNoOther) {
-  using Page = CallLogSearchListData;
-  const auto search = [](const std::string& key, Page* page) {
+  static int Found(const std::string& key, CallLogSearchListData* page) {
     page->request_count = 100;
     return CallLog_Search(page, key);
-  };
-  const auto found = [&](const std::string& key) {
-    Page page;
-    EXPECT_EQ(search(key, &page), 1);
-    Strings rows;
-    for (const auto& row : page.items) rows.push_back(row.display_name + row.number);
-    return rows;
-  };
-  Fill();
-  const Strings both = found("Caller 6");
-  const Strings one = found("Caller 62");
-  ASSERT_EQ(both.size(), 2u);
-  ASSERT_EQ(one.size(), 1u);
-  Page page;
-  for (const std::string& key : {std::string("Caller 6"), std::string("Caller 62"),
-                                 Long("Caller 62"), std::string("225537")}) {
-    for (const char* held : {"", "Caller", "Caller 6", "2"}) {
-      const auto prepare = [&] {
-        Fill();  // a new search, without room for the key
-        Page ignored;
-        search(held, &ignored);
-        page.Reset();
-      };
-      FailEach(
-          prepare, [&] { return search(key, &page); },
-          [&](int answer, bool /*failed*/) {
-            if (answer == 0) {
-              EXPECT_TRUE(page.items.empty());
-            }
-            EXPECT_EQ(found("Caller 6"), both);
-            EXPECT_EQ(found(key), key.find("62") != std::string::npos ? one : both);
-          });
-    }
   }
-  SuperSearchListData dialled;
-  const auto prepare = [&] {
-    page.Reset();
-    dialled.Reset();
-    page.request_count = dialled.request_count = 100;
-  };
-  FailEach(
-      prepare, [&] { return CallLog_SearchRecentOutCall(&page); }, ExpectRows(page));
-  FailEach(
-      prepare, [&] { return CallLog_SuperSearchRecentOutCall(&dialled); }, ExpectRows(dialled));
-}
 
-TEST_F(AllocationFailureTest, AViewIsFilledOrUntouched) {
+  // Of these an operation fills one.
   CallLogSimpleListData list;
   CallLogDetailData detail;
   MissedNotifyListData missed;
   ForwardedNotifyList forwarded;
-  const auto prepare = [&] {
-    Fill();
-    list.Reset();
-    list.request_count = 100;
-    detail.Reset();
-    missed.Reset();
-    forwarded.Reset();
+  CallLogSearchListData hits;
+  SuperSearchListData dialled;
+  std::string text;
+
+  int retries = 0;  // saves that failed and were made up for by the timer
+
+ private:
+  static bool Has(const Strings& rows, const std::string& row) {
+    return std::find(rows.begin(), rows.end(), row) != rows.end();
+  }
+
+  // A phone with two calls of each type, saved and new, and nothing filled.
+  void Prepare(const Operation& operation) {
+    CCallLogController::ReleaseInstance();
+    std::filesystem::remove(HistoryFile());
+    for (int type = 1; type <= 4; ++type) {
+      for (const char* number : {"61", "62"}) EXPECT_TRUE(Add(type, number));
+    }
+    WaitForSave();
+    TakeJournal({});
+    list.Reset(), detail.Reset(), missed.Reset(), forwarded.Reset(), hits.Reset(), dialled.Reset();
+    text.clear();
+    list.request_count = hits.request_count = dialled.request_count = 100;
+    operation.prepare();
+  }
+
+  void Try(const Operation& operation, const std::function<void(bool)>& check) {
+    SCOPED_TRACE(operation.what);
+    Prepare(operation);
+    before_ = State();
+    Prepare(operation);
+    EXPECT_TRUE(operation.act());
+    whole_ = State();
+    FailEach([&] { Prepare(operation); }, operation.act,
+             [&](bool done, bool failed) {
+               if (failed) {
+                 check(done);
+               } else {
+                 EXPECT_TRUE(done);
+                 EXPECT_EQ(State(), whole_);
+               }
+               WaitForSave();
+               retries += !done && State().back() != before_.back();
+               ExpectSavedAsShown();
+             });
+  }
+
+  void ExpectSavedAsShown() {
+    EXPECT_TRUE(Add(1, "65"));
+    Controller().SaveToFile();
+    const Strings names = Names(0);
+    EXPECT_EQ(std::count(names.begin(), names.end(), Long("Caller 65")), 1);
+    PowerCycle();
+    EXPECT_EQ(Names(0), names);
+  }
+
+  // All that the module shows of the history, what it has filled, and last the file; marks nothing
+  // as seen.
+  Strings State() const {
+    Strings state = {detail.display_name + detail.duration_text + text};
+    for (const auto& row : list.items) state.push_back(row.display_name + row.time_text);
+    const auto pages = [&state](const auto&... page) { (Append(page, &state), ...); };
+    pages(missed, forwarded, hits, dialled);
+    for (const std::string& key : {Long("Caller 62"), std::string("Caller 6")}) {
+      CallLogSearchListData found;
+      Found(key, &found);
+      pages(found);
+    }
+    CallLogDetailData call;
+    for (int row = 0; Controller().GetLogDetailByClickAction(&call, Action(0), row) == 1; ++row) {
+      state.push_back(std::to_string(call.type) + call.display_name + call.number + call.server +
+                      call.time_text);
+    }
+    MissedNotifyListData newMissed;
+    ForwardedNotifyList newForwarded;
+    Controller().GetMissedNotifyList(&newMissed);
+    Controller().GetForwardedNotifyList(&newForwarded);
+    pages(newMissed, newForwarded);
+    for (const auto& row : newForwarded.items) state.push_back(row.forward_display_name);
+    state.push_back(ReadFile(HistoryFile()));
+    return state;
+  }
+  template <class Page>
+  static void Append(const Page& page, Strings* state) {
+    for (const auto& row : page.items) state->push_back(row.display_name + row.number);
+  }
+
+  Strings before_;
+  Strings whole_;
+};
+
+TEST_F(AllocationFailureTest, AnOperationIsDoneWholeOrNotAtAll) {
+  const auto save = [] {
+    ETL_MsgQueueHelper::msgObject timer;
+    timer.message = 0x8113;
+    timer.wParam = 90010;
+    return CCallLogController::OnMessage(timer) == 1;
   };
-  FailEach(
-      prepare, [&] { return Controller().GetLogListByClickAction(&list, kMissedCalls); },
-      [&](int answer, bool /*failed*/) {
-        ExpectRows(list)(answer, true);
-        Controller().GetMissedNotifyList(&missed);
-        EXPECT_EQ(missed.items.empty(), answer == 1);
-      });
-  FailEach(
-      prepare, [&] { return Controller().GetLogDetailByClickAction(&detail, kMissedCalls, 1); },
-      [&](int answer, bool /*failed*/) {
-        EXPECT_EQ(detail.display_name.empty(), answer == 0);
-        EXPECT_EQ(detail.duration_text.empty(), answer == 0);
-      });
-  FailEach(
-      prepare, [&] { return Controller().GetMissedNotifyList(&missed); }, ExpectRows(missed));
-  FailEach(
-      prepare, [&] { return Controller().GetForwardedNotifyList(&forwarded); },
-      ExpectRows(forwarded));
-  FailEach(
-      prepare, [] { return CallLog_GetLastOutCall(); }, ExpectTextUnless);
-  FailEach(
-      prepare, [] { return CallLog_GetLastNewInCall(); }, ExpectTextUnless);
-  FailEach(
-      prepare, [] { return Controller().GetImagePathByType(1); }, ExpectTextUnless);
+  const auto change = [] { Add(3, "63"); };
+  const auto add = [](int type) {
+    return [call = LongCall(type, "63")] { return CallLog_AddLog(call) == 0; };
+  };
+  const std::string missedCalls = Action(2);
+  std::vector<Operation> operations = {
+      {"outgoing call", add(1)},
+      {"missed call", add(2)},
+      {"forwarded call", add(4)},
+      {"save", [] { return Controller().SaveToFile() == 1; }, change},
+      {"save by the timer", save, change},
+      {"list", [&] { return Controller().GetLogListByClickAction(&list, missedCalls) == 1; }},
+      {"detail",
+       [&] { return Controller().GetLogDetailByClickAction(&detail, missedCalls, 1) == 1; }},
+      {"missed callers", [&] { return Controller().GetMissedNotifyList(&missed) == 1; }},
+      {"forwarded callers", [&] { return Controller().GetForwardedNotifyList(&forwarded) == 1; }},
+      {"last dialled", [&] { return !(text = CallLog_GetLastOutCall()).empty(); }},
+      {"last caller", [&] { return !(text = CallLog_GetLastNewInCall()).empty(); }},
+      {"icon", [&] { return !(text = Controller().GetImagePathByType(1)).empty(); }},
+      {"most dialled", [&] { return CallLog_SearchRecentOutCall(&hits) == 1; }},
+      {"ten most dialled", [&] { return CallLog_SuperSearchRecentOutCall(&dialled) == 1; }},
+  };
+  for (const std::string& key : {std::string("Caller 6"), Long("Caller 62"), std::string("22")}) {
+    for (const char* held : {"", "Caller", "Caller 6", "2"}) {
+      const auto hold = [held] {
+        CallLogSearchListData ignored;
+        Found(held, &ignored);
+      };
+      operations.push_back({"search", [this, key] { return Found(key, &hits) == 1; }, hold});
+    }
+  }
+  for (const Operation& operation : operations) ExpectWholeOrNothing(operation);
+  EXPECT_GT(retries, 0);
 }
 
-TEST_F(AllocationFailureTest, ChangesAreSavedAsFarAsTheyCame) {
+TEST_F(AllocationFailureTest, WhatIsDoneInPartLeavesWholeCallsAndIsSaved) {
   CallLogUpdateData contact;
   contact.number_1 = Long("61");
   contact.display_name = Long("Somebody new");
@@ -276,38 +223,32 @@ TEST_F(AllocationFailureTest, ChangesAreSavedAsFarAsTheyCame) {
   entry.display_name = Long("Somebody else");
   const std::list<SuperSearchItemData> entries = {entry};
   const std::list<int> rows = {0, 3, 5};
-  const std::vector<std::function<int()>> operations = {
-      [&] { return CallLog_UpdateLog(contact); },
-      [&] { return CallLog_ResetLogContactName(); },
-      [&] {
-        Controller().UpdateDispName(entries);
-        return 1;
-      },
-      [&] { return Controller().RemoveLog(kAll, 2); },
-      [&] { return Controller().RemoveLogList(kAll, rows); },
-      [&] { return Controller().RemoveAllLogsByClickAction(kMissedCalls); },
-      [&] {
-        RemoveMissedDirtyByNumber(contact.number_1.c_str());
-        RemoveForwardDirtyByNumber(contact.number_1.c_str());
-        return 1;
-      },
-      [&] {
-        Controller().RedialNumberByClickAction(kMissedCalls);
-        Controller().EnterTalkUI(contact.number_1);
-        ContactGeneralItemData* const nobody = nullptr;
-        Controller().GetContactDataByNumber(nobody, contact.number_1);
-        Controller().CallOut(contact.number_1, contact.number_1);
-        return 1;
-      },
-  };
-  for (const auto& operation : operations) {
-    FailEach([this] { Fill(); }, operation,
-             [&](int answer, bool failed) {
-               if (!failed) {
-                 EXPECT_EQ(answer, 1);
-               }
-               ExpectSavedAsShown();
-             });
+  const std::string all = Action(0);
+  const std::string redial = Action(2);
+  for (const Operation& operation : std::vector<Operation>{
+           {"start", [] { return CCallLogController::GetInstance() != nullptr; },
+            [] { CCallLogController::ReleaseInstance(); }},
+           {"contact renamed", [&] { return CallLog_UpdateLog(contact) == 1; }},
+           {"names forgotten", [] { return CallLog_ResetLogContactName() == 1; }},
+           {"names refreshed", [&] { return Controller().UpdateDispName(entries), true; }},
+           {"one removed", [&] { return Controller().RemoveLog(all, 2) == 1; }},
+           {"some removed", [&] { return Controller().RemoveLogList(all, rows) == 1; }},
+           {"missed removed", [&] { return Controller().RemoveAllLogsByClickAction(redial) == 1; }},
+           {"number dealt with",
+            [&] {
+              RemoveMissedDirtyByNumber(contact.number_1.c_str());
+              RemoveForwardDirtyByNumber(contact.number_1.c_str());
+              return true;
+            }},
+           {"calls", [&] {
+              Controller().RedialNumberByClickAction(redial);
+              Controller().EnterTalkUI(contact.number_1);
+              ContactGeneralItemData* const nobody = nullptr;
+              Controller().GetContactDataByNumber(nobody, contact.number_1);
+              Controller().CallOut(contact.number_1, contact.number_1);
+              return true;
+            }}}) {
+    ExpectWholeRows(operation);
   }
 }
 

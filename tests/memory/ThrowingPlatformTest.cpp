@@ -35,7 +35,7 @@ TEST_F(ThrowingPlatformTest, OneNameCostsNoCall) {
       PowerCycle();
     }
     ASSERT_NE(NS_CALLLOG::CCallLogController::GetInstance(), nullptr);
-    EXPECT_EQ(Names(0), std::vector<std::string>({"101", "Cursed", "103"}));
+    EXPECT_EQ(Names(0), Strings({"101", "Cursed", "103"}));
     CallLogSearchListData found;
     found.request_count = 10;
     EXPECT_EQ(CallLog_Search(&found, "10"), 1);

@@ -9,12 +9,11 @@ namespace desk {
 namespace {
 
 using NS_CALLLOG::CCallLogController;
-using Texts = std::vector<std::string>;
 
 constexpr unsigned int kTimerMessage = 0x8113;
 constexpr unsigned int kSaveTimer = 90010;
-const Texts kRegister = {"register 0x8113-0x8113"};
-const Texts kUnregister = {"unregister 0x8113-0x8113"};
+const Strings kRegister = {"register 0x8113-0x8113"};
+const Strings kUnregister = {"unregister 0x8113-0x8113"};
 
 class ControllerTest : public PhoneTest {
  protected:
@@ -45,7 +44,7 @@ TEST_F(ControllerTest, TheFirstUseReadsTheHistoryAndNoOther) {
     use();
     EXPECT_EQ(CCallLogController::GetInstance(), controller);
     EXPECT_EQ(Names(0).back(), "stored");
-    EXPECT_EQ(TakeJournal({"register", "unregister"}), Texts());
+    EXPECT_EQ(TakeJournal({"register", "unregister"}), Strings());
     CCallLogController::ReleaseInstance();
     EXPECT_EQ(TakeJournal({""}), kUnregister);
   }
@@ -58,7 +57,7 @@ TEST_F(ControllerTest, WhatNeedsNoControllerCreatesNone) {
     EXPECT_EQ(Handle(kTimerMessage, kSaveTimer), 0);
     WaitForSave();
     CCallLogController::ReleaseInstance();
-    EXPECT_EQ(TakeJournal({""}), Texts());
+    EXPECT_EQ(TakeJournal({""}), Strings());
     EXPECT_FALSE(std::filesystem::exists(HistoryFile()));
     Add(1, "100");  // once more after a release with something to save
     CCallLogController::ReleaseInstance();
@@ -98,7 +97,7 @@ TEST_F(ControllerTest, AReleaseForgetsWhatWasNotSavedAndWhatWasNew) {
   MissedNotifyListData list;
   Controller().GetMissedNotifyList(&list);
   EXPECT_EQ(list.items.size(), 1u);
-  EXPECT_EQ(Names(0), (Texts{"saved", "saved", "added", "added"}));
+  EXPECT_EQ(Names(0), (Strings{"saved", "saved", "added", "added"}));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // Callers choose their names, so any bytes arrive. Whatever they are and wherever they stand, every
 // call is there after a restart, valid text as it was, and the file is XML.
-#include <algorithm>
 #include <cstdlib>
 
 #include "tests/support/PhoneTest.h"
@@ -74,20 +73,6 @@ TEST_F(HostileNamesTest, LoseOnlyWhatXmlForbids) {
   }
   const std::string command = "xmllint --noout '" + HistoryFile().string() + "'";
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
-}
-
-TEST_F(HostileNamesTest, MakeNoFileTooLargeToLoad) {
-  const std::string name(65536, '~');
-  for (int i = 0; i < 400; ++i) {
-    CallLogAddItemData call = MakeCall(1 + i % 4, "10");
-    call.remote_display_name = name;
-    CallLog_AddLog(call);
-  }
-  ASSERT_EQ(Controller().SaveToFile(), 1);
-  PowerCycle();
-  EXPECT_GT(std::filesystem::file_size(HistoryFile()), 26'000'000u);
-  const std::vector<std::string> names = Names(0);
-  EXPECT_EQ(std::count(names.begin(), names.end(), name), 400);
 }
 
 }  // namespace

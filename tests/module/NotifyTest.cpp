@@ -8,26 +8,20 @@ namespace desk {
 namespace {
 
 using NS_CALLLOG::CCallLogController;
-using Texts = std::vector<std::string>;
 
-const Texts kSaveLater = {"timer 90010 set 5000"};
-const Texts kClearMissed = {"trace 3 --Call log: begin to clear missed notify list."};
-const Texts kClearForwarded = {"trace 3 --Call log: begin to clear forward notify list."};
-
-Texts operator+(Texts lines, const Texts& more) {
-  lines.insert(lines.end(), more.begin(), more.end());
-  return lines;
-}
+const Strings kSaveLater = {"timer 90010 set 5000"};
+const Strings kClearMissed = {"trace 3 --Call log: begin to clear missed notify list."};
+const Strings kClearForwarded = {"trace 3 --Call log: begin to clear forward notify list."};
 
 // What is published of `count` new calls.
-Texts Missed(int count) {
+Strings Missed(int count) {
   const std::string n = std::to_string(count);
   const std::string on = count > 0 ? "on" : "off";
   return {"trace 3 Current missed call count: " + n,
           "status 12 " + (count > 0 ? n + " Missed" : "off"), "backlight 5 " + on, "led 9 " + on};
 }
 
-Texts Forwarded(int count) {
+Strings Forwarded(int count) {
   const std::string n = std::to_string(count);
   return {"trace 3 Current forwarded call count: " + n,
           "status 15 " + (count > 0 ? n + " Forwarded" : "off"),
@@ -38,7 +32,7 @@ class NotifyTest : public PhoneTest {
  protected:
   struct Step {
     std::function<void()> act;
-    Texts journal;
+    Strings journal;
   };
 
   // Each step starts with everything saved.
@@ -53,7 +47,7 @@ class NotifyTest : public PhoneTest {
 
   // The callers of the new missed (2) or forwarded (4) calls as "name number count"; the names
   // `before` stand in the list already, with a count of 5.
-  static Texts Callers(int type, const Texts& before = {}) {
+  static Strings Callers(int type, const Strings& before = {}) {
     return type == 2 ? Callers(&CCallLogController::GetMissedNotifyList, before)
                      : Callers(&CCallLogController::GetForwardedNotifyList, before);
   }
@@ -64,14 +58,14 @@ class NotifyTest : public PhoneTest {
 
  private:
   template <class List>
-  static Texts Callers(int (CCallLogController::*get)(List*) const, const Texts& before) {
+  static Strings Callers(int (CCallLogController::*get)(List*) const, const Strings& before) {
     List list;
     for (const std::string& name : before) {
       list.items.emplace_back().display_name = name;
       list.items.back().count = 5;
     }
     EXPECT_EQ((Controller().*get)(&list), 1);
-    Texts rows;
+    Strings rows;
     for (const auto& row : list.items) {
       rows.push_back(row.display_name + " " + row.number + " " + std::to_string(row.count));
     }
@@ -79,56 +73,48 @@ class NotifyTest : public PhoneTest {
   }
 };
 
-TEST_F(NotifyTest, ACallIsTracedStoredAndShown) {
-  platform->contacts.Add({"Zoe", {"100"}, ""});
-  const auto add = [](int type) {
-    return [type] {
-      CallLogAddItemData call = MakeCall(type, "200");
-      call.remote_display_name = "Anna";
-      call.forward_sip_name = "100";
-      call.forward_display_name = "Bert";
-      CallLog_AddLog(call);
-    };
-  };
-  const Texts traces = {
-      "trace 3 --Call log, to add log remote name(Anna) forward to number(100), forward to "
-      "name(Bert)",
-      "trace 3 --Call log: forwarder name is Zoe"};
-  const Texts added = traces + kSaveLater;
-  Run({{add(1), added},
-       {add(2), added + Missed(1)},
-       {add(3), added},
-       {add(4), added + Forwarded(1)},
-       {[&] { add(2)(), add(4)(); }, added + Missed(2) + traces + Forwarded(2)}});
+TEST_F(NotifyTest, ACallIsTracedBeforeItIsShown) {
+  CallLogAddItemData call = MakeCall(2, "200");
+  call.remote_display_name = "Anna";
+  call.forward_sip_name = "100";
+  call.forward_display_name = "Bert";
+  Run({{[&] { CallLog_AddLog(call); },
+        Strings{"trace 3 --Call log, to add log remote name(Anna) forward to number(100), forward "
+                "to name(Bert)",
+                "trace 3 --Call log: forwarder name is Bert"} +
+            kSaveLater + Missed(1)}});
 }
 
-TEST_F(NotifyTest, OpeningAListShowsItsNewCallsAsSeen) {
-  struct Row {
-    int type, index, count;
-    bool missedSeen, forwardedSeen;
-  };
-  const Row rows[] = {
-      {0, 0, 10, true, true},  {1, 0, 10, false, false}, {2, 0, 10, true, false},
-      {4, 0, 10, false, true}, {3, 0, 10, false, false}, {0, 50, 1, true, true},    // an empty page
-      {0, 0, 0, false, false}, {2, -1, 9, false, false}, {5, 0, 10, false, false},  // refused
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(&row - rows);
-    Controller().RemoveAllLogsByClickAction(Action(0));
-    for (const int type : {1, 2, 3, 4}) Add(type, "100");
-    Texts journal = {"trace 3 --Call log, get " + std::to_string(row.type) + " log list."};
-    if (row.missedSeen) journal = journal + kClearMissed + Missed(0);
-    if (row.forwardedSeen) journal = journal + kClearForwarded + Forwarded(0);
-    const auto open = [&] {
-      CallLogSimpleListData page;
-      page.request_index = row.index;
-      page.request_count = row.count;
-      Controller().GetLogListByClickAction(&page, Action(row.type));
-    };
-    Run({{open, journal}, {open, journal}});
-    EXPECT_EQ(Callers(2).empty(), row.missedSeen);
-    EXPECT_EQ(Callers(4).empty(), row.forwardedSeen);
+TEST_F(NotifyTest, NewCallsRaiseTheRowsThatAListHolds) {
+  for (const int type : {2, 4}) {
+    for (int i = 1; i <= 22; ++i) Add(type, std::to_string(i), kNow - i);
+    const Strings rows = Callers(type, {"stranger", "2", "2"});
+    EXPECT_EQ(Strings(rows.begin(), rows.begin() + 4),
+              (Strings{"stranger  5", "2  6", "2  5", "1 1 1"}));
+    EXPECT_EQ(rows.size(), 3u + 21) << "others than those";
   }
+}
+
+TEST_F(NotifyTest, OpeningAListPublishesItsNewCallsAsSeen) {
+  const auto open = [](int type, int count = 9) {
+    return [=] {
+      CallLogSimpleListData page;
+      page.request_count = count;
+      Controller().GetLogListByClickAction(&page, Action(type));
+    };
+  };
+  const auto trace = [](int type) {
+    return Strings{"trace 3 --Call log, get " + std::to_string(type) + " log list."};
+  };
+  const Strings missed = kClearMissed + Missed(0);
+  const Strings forwarded = kClearForwarded + Forwarded(0);
+  for (const int type : {1, 2, 3, 4}) Add(type, "100");
+  Run({{open(1), trace(1)},
+       {open(3), trace(3)},
+       {open(0, 0), trace(0)},
+       {open(2), trace(2) + missed},
+       {open(4), trace(4) + forwarded},
+       {open(0), trace(0) + missed + forwarded}});
 }
 
 TEST_F(NotifyTest, ARemovalIsPublishedAndThenSaved) {
@@ -184,33 +170,7 @@ TEST_F(NotifyTest, NewCallsStayNewUntilTheirCallerIsDealtWith) {
        {both("100"), Missed(2) + Forwarded(2)},
        {[] { DealWith(2, "100"); }, Missed(2)},
        {both(""), Missed(1) + Forwarded(1)}});
-  for (const int type : {2, 4}) EXPECT_EQ(Callers(type), Texts{"0100 0100 1"});
-  Run({{both("0100"), Missed(0) + Forwarded(0)}});
-}
-
-TEST_F(NotifyTest, CallersAreListedByName) {
-  for (const int type : {2, 4}) {
-    int time = kNow;
-    for (const auto& [number, name] : std::vector<std::pair<const char*, const char*>>{
-             {"100", "Zoe"}, {"300", ""}, {"200", "Zoe"}, {"100", "zoe"}, {"301", "300"}}) {
-      CallLogAddItemData call = MakeCall(type, number, --time);
-      call.remote_display_name = name;
-      call.forward_sip_name = std::to_string(kNow - time);
-      CallLog_AddLog(call);
-    }
-    // Neither a name nor the number where a call went to is a caller's number.
-    for (const char* other : {"Zoe", "1"}) DealWith(type, other);
-    EXPECT_EQ(Callers(type), (Texts{"Zoe 100 2", "300 300 2", "zoe 100 1"}));
-    // Rows that stood there before are raised, the first of a name, and leave room for 21 others.
-    for (int i = 1; i <= 22; ++i) Add(type, std::to_string(i), --time);
-    const Texts more = Callers(type, {"stranger", "zoe", "zoe"});
-    EXPECT_EQ(Texts(more.begin(), more.begin() + 4),
-              (Texts{"stranger  5", "zoe  6", "zoe  5", "Zoe 100 2"}));
-    EXPECT_EQ(std::to_string(more.size()) + ": " + more.back(), "24: 19 19 1");
-  }
-  ForwardedNotifyList list;
-  Controller().GetForwardedNotifyList(&list);
-  EXPECT_EQ(list.items.front().forward_display_name, "1");  // that of the newest call
+  for (const int type : {2, 4}) EXPECT_EQ(Callers(type), Strings{"0100 0100 1"});
 }
 
 }  // namespace

@@ -23,11 +23,11 @@ class ReentryTest : public PhoneTest {
     };
   }
 
-  static std::vector<std::string> Found(const std::string& key) {
+  static Strings Found(const std::string& key) {
     CallLogSearchListData page;
     page.request_count = 1000;
     CallLog_Search(&page, key);
-    std::vector<std::string> numbers;
+    Strings numbers;
     for (const auto& row : page.items) numbers.push_back(row.number);
     return numbers;
   }
@@ -46,14 +46,14 @@ TEST_F(ReentryTest, WhatIsRemovedIsGoneForWhoeverIsTold) {
     Controller().RemoveAllLogsByClickAction(Action(0));
     Add(1, "1001", kNow - 1);
     Add(2, "1002");
-    ASSERT_EQ(Found("10"), std::vector<std::string>({"1001", "1002"}));
+    ASSERT_EQ(Found("10"), Strings({"1001", "1002"}));
     Once([] {
       EXPECT_EQ(Names(2).size(), 0u);
-      EXPECT_EQ(Found("10"), std::vector<std::string>({"1001"}));
+      EXPECT_EQ(Found("10"), Strings({"1001"}));
     });
     remove();
     EXPECT_FALSE(platform->onDisplayChange);
-    EXPECT_EQ(Found("10"), std::vector<std::string>({"1001"}));
+    EXPECT_EQ(Found("10"), Strings({"1001"}));
   }
 }
 
@@ -61,7 +61,7 @@ TEST_F(ReentryTest, ACallThatComesWhileAFullListLosesOneIsKept) {
   for (int i = 0; i < 100; ++i) Add(2, std::to_string(1000 + i), kNow - i);
   Once([] { EXPECT_EQ(Add(2, "1999"), 0); });
   EXPECT_EQ(Controller().RemoveLog(Action(2), 99), 1);
-  const std::vector<std::string> names = Names(2);
+  const Strings names = Names(2);
   EXPECT_EQ(names.size(), 100u);
   EXPECT_EQ(names[1], "1999");
   EXPECT_EQ(names.back(), "1098");
@@ -161,8 +161,8 @@ class RandomReentryTest : public ReentryTest {
     EXPECT_EQ(platform->display.statuses, statuses);
   }
   // The lists without being told of as seen: the details in order.
-  static std::vector<std::string> Calls(int type) {
-    std::vector<std::string> calls;
+  static Strings Calls(int type) {
+    Strings calls;
     CallLogDetailData detail;
     while (Controller().GetLogDetailByClickAction(&detail, Action(type),
                                                   static_cast<int>(calls.size())) == 1) {
@@ -172,7 +172,7 @@ class RandomReentryTest : public ReentryTest {
   }
   void CheckAll() {
     CheckCounters();
-    const std::vector<std::string> all = Calls(0);
+    const Strings all = Calls(0);
     std::size_t sum = 0;
     for (int type = 1; type <= 4; ++type) sum += Calls(type).size();
     EXPECT_EQ(sum, all.size());
@@ -200,7 +200,7 @@ TEST_F(RandomReentryTest, LeavesNothingBroken) {
     }
     CheckAll();
     platform->onDisplayChange = nullptr;
-    const std::vector<std::string> before = Calls(0);
+    const Strings before = Calls(0);
     Controller().SaveToFile();
     PowerCycle();
     EXPECT_EQ(Calls(0), before);

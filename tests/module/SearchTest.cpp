@@ -1,5 +1,6 @@
-// Tests of the search: what a key finds, in which order and on which page; when the hits of the key
-// before are used again; and the most dialled numbers. How texts are compared is TextMatchTest's.
+// Tests of the search: when the hits of the key before are used again, and what is traced. What a
+// key finds and which numbers are the most dialled is ModelTest's, how texts are compared
+// TextMatchTest's.
 #include <functional>
 
 #include "tests/support/PhoneTest.h"
@@ -7,8 +8,6 @@
 
 namespace desk {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 class SearchTest : public PhoneTest {
  protected:
@@ -66,53 +65,6 @@ class SearchTest : public PhoneTest {
   }
 };
 
-TEST_F(SearchTest, AKeyFindsWhatBeginsWithIt) {
-  StartWith({{"Stéphane", "100"},
-             {"Łukasz", "585"},
-             {"1abel", "77"},
-             {"Bo", "anna"},
-             {"a1", "*21#"},
-             {"#gate", "12"},
-             {"+4912", "+4912"},
-             {"Bo", "+4913"}});
-  const std::pair<const char*, const char*> rows[] = {
-      {"ste", "1: Stéphane 100"},
-      {"łu", "1: Łukasz 585"},
-      {"lu", "1: Łukasz 585"},
-      {"783", "1: Stéphane 100"},  // on the key pad
-      {"58", "1: Łukasz 585"},     // twice the same
-      {"5852", "1: Łukasz 585"},   // longer than the number
-      {"1", "3: #gate 12, 1abel 77, Stéphane 100"},
-      {"1a", "0:"},         // a number search, in which no letter is a name's
-      {"a", "1: a1 *21#"},  // and a name search looks at no number
-      {"a1", "1: a1 *21#"},
-      {"*2", "1: a1 *21#"},
-      {"#4", "1: #gate 12"},
-      {"+49", "1: +4912 +4912"},
-      {"", "refused"},
-  };
-  for (const auto& [key, hits] : rows) {
-    EXPECT_EQ(Find(key), hits) << key;
-    Find("");
-  }
-}
-
-TEST_F(SearchTest, HitsAreOrderedByNameAndNumberEachPairOnce) {
-  const std::pair<std::vector<Party>, const char*> rows[] = {
-      {{{"anna", "1"}, {"Élan", "1"}, {"Zoe", "1"}, {"Zo", "1"}}, "4: Zo 1, Zoe 1, anna 1, Élan 1"},
-      {{{"Bo", "19"}, {"Bo", "110"}, {"Al", "12"}, {"Bo", "19"}, {"Al", "19"}, {"Bo", "19"}},
-       "4: Al 12, Al 19, Bo 110, Bo 19"},
-      // A hit without a name is compared by its number alone; one with a name is not.
-      {{{"", "15"}, {"Bo", "15"}}, "1: 15 15"},
-      {{{"Bo", "15"}, {"", "15"}}, "2: 15 15, Bo 15"},
-      {{{"", "17"}, {"Bo", "12"}, {"Bo", "19"}}, "3: Bo 12, 17 17, Bo 19"},
-  };
-  for (const auto& [parties, hits] : rows) {
-    StartWith(parties);
-    EXPECT_EQ(Find("1"), hits);
-  }
-}
-
 // Two calls of one number got one name, so that they are one hit, the newer call; the older one's
 // key-pad name goes on with another digit. Only a search that walks the history finds it.
 TEST_F(SearchTest, TheHitsOfTheKeyBeforeAreUsedWhileTheyCan) {
@@ -161,45 +113,16 @@ TEST_F(SearchTest, TheHitsOfTheKeyBeforeAreUsedWhileTheyCan) {
   }
 }
 
-TEST_F(SearchTest, TheMostDialledNumbersComeFirst) {
-  int time = kNow;
-  const auto add = [&](int type, const std::string& name, const std::string& number) {
-    CallLogAddItemData call = MakeCall(type, number, --time);
-    call.remote_display_name = name;
-    call.remote_sip_server = std::to_string(time);  // makes no difference
-    EXPECT_EQ(CallLog_AddLog(call), 0);
-  };
-  EXPECT_EQ(Dialled() + TopTen(), "0:0:");
-  for (const int type : {2, 3, 4, 3}) add(type, "Not dialled", "1");
-  EXPECT_EQ(Dialled() + TopTen(), "0:0:");
-  add(1, "Di", "1");
-  add(1, "Ed", "2");
-  add(1, "Al", "3");
-  add(1, "Bo", "3");
-  add(1, "", "4");
-  add(1, "Cy", "04");
-  add(1, "Di", "1");
-  add(1, "", "3");
-  SuperSearchItemData nobody;
-  nobody.number = "4";
-  Controller().UpdateDispName({nobody});
-  EXPECT_EQ(Dialled(), "5: Al 3, Di 1, Ed 2, 4 4, Cy 04");
-  EXPECT_EQ(TopTen(), "5: Al 3, Di 1, Ed 2, 4 4, Cy 04");
-  for (int i = 10; i < 17; ++i) add(1, "", std::to_string(i));
-  EXPECT_EQ(Dialled(2, 3), "12: Ed 2, 4 4, Cy 04");
-  EXPECT_EQ(Dialled(10, 9), "12: 15 15, 16 16");
-  EXPECT_EQ(Dialled(12, 9), "12:");
-  EXPECT_EQ(Dialled(0, 0), "refused");
+TEST_F(SearchTest, TheMostDialledNumbersAreTraced) {
+  const auto trace = [](const std::string& text) { return "trace 3 --Call log search: " + text; };
+  for (int i = 10; i < 22; ++i) Add(1, std::to_string(i), kNow - i);
   TakeJournal({""});
-  EXPECT_EQ(TopTen(7, 1), "10: 12 12, 13 13, 14 14");  // however few rows were asked for
-  EXPECT_EQ(TopTen(10, 9), "10:");
-  EXPECT_EQ(TopTen(-1, 9) + TopTen(0, 0), "refusedrefused");
+  EXPECT_EQ(Dialled(10, 9), "12: 20 20, 21 21");
+  EXPECT_EQ(TakeJournal({""}), Strings{trace("search recent out count is 12")});
+  EXPECT_EQ(TopTen(7, 1), "10: 17 17, 18 18, 19 19");  // however few rows were asked for
+  EXPECT_EQ(TakeJournal({""}),
+            (Strings{trace("max index is 10"), trace("search recent out count is 10")}));
   EXPECT_EQ(CallLog_SearchRecentOutCall(nullptr) + CallLog_SuperSearchRecentOutCall(nullptr), 0);
-  const Texts cut = {"trace 3 --Call log search: max index is 10",
-                     "trace 3 --Call log search: search recent out count is 10"};
-  EXPECT_EQ(TakeJournal({""}), (Texts{cut[0], cut[1], cut[0], cut[1]}));
-  Dialled(0, 1);
-  EXPECT_EQ(TakeJournal({""}), Texts{"trace 3 --Call log search: search recent out count is 12"});
 }
 
 }  // namespace

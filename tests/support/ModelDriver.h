@@ -28,7 +28,8 @@ class ModelDriver : public virtual PhoneTest {
     platform->accounts =
         Accounts({{1, "anna", "sip.example.org"}, {2, "quiet", "sip.example.org"}});
     platform->accounts.Find("quiet")->keeps_missed = false;
-    for (const auto& [number, name] : kContacts) platform->contacts.Add({name, {number}, {}});
+    for (const auto& [number, name] : kContacts)
+      platform->contacts.Add({name, {number}, name + ".png"});
   }
 
   // A phone without a history, and the events of this seed. The power fails every so many events.
@@ -105,6 +106,8 @@ class ModelDriver : public virtual PhoneTest {
       EXPECT_EQ(detail.server, call.remote_sip_server);
       EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
       EXPECT_EQ(detail.duration_text, DurationText(call.duration));
+      const auto contact = kContacts.find(call.remote_sip_name);
+      EXPECT_EQ(detail.image_path, contact != kContacts.end() ? contact->second + ".png" : "");
       EXPECT_EQ(detail.type, call.type);
     }
   }
@@ -168,6 +171,7 @@ class ModelDriver : public virtual PhoneTest {
     if (OneIn(5000)) call.born_tick = OneIn(2) ? INT_MIN : INT_MAX;
     call.duration = OneIn(10) ? -Below(3) : Below(400000);
     if (OneIn(10)) call.local_sip_name = OneIn(2) ? "quiet" : RandomBytes();
+    if (OneIn(20)) call.local_sip_server = RandomBytes();
     if (OneIn(20)) call.remote_sip_server = RandomBytes();
     call.remote_display_name = RandomName();
     if (call.type == 4 || OneIn(20)) {

@@ -90,12 +90,12 @@ std::string PhoneTest::Action(int type) {
   return "OpenSubPage(call_log_" + std::to_string(type) + ")";
 }
 
-std::vector<std::string> PhoneTest::Names(int type) {
+Strings PhoneTest::Names(int type) {
   CallLogSimpleListData page;
   page.request_count = 1000;
   EXPECT_EQ(Controller().GetLogListByClickAction(&page, Action(type)), 1);
   EXPECT_EQ(page.total, static_cast<int>(page.items.size()));
-  std::vector<std::string> names;
+  Strings names;
   for (const CallLogSimpleData& row : page.items) names.push_back(row.display_name);
   return names;
 }
@@ -113,8 +113,8 @@ int PhoneTest::Size() {
   return page.total;
 }
 
-std::vector<std::string> PhoneTest::TakeJournal(const std::vector<std::string>& prefixes) {
-  std::vector<std::string> lines = platform->journal.LinesOf(prefixes);
+Strings PhoneTest::TakeJournal(const Strings& prefixes) {
+  Strings lines = platform->journal.LinesOf(prefixes);
   platform->journal.Clear();
   return lines;
 }

@@ -14,6 +14,13 @@
 
 namespace desk {
 
+using Strings = std::vector<std::string>;
+
+inline Strings operator+(Strings lines, const Strings& more) {
+  lines.insert(lines.end(), more.begin(), more.end());
+  return lines;
+}
+
 // A fresh directory, gone at the end.
 class TemporaryDirectory {
  public:
@@ -54,14 +61,14 @@ class PhoneTest : public testing::Test {
 
   static std::string Action(int type);
   // All rows of a list as "display_name"; opens the list, with what that brings about.
-  static std::vector<std::string> Names(int type);
+  static Strings Names(int type);
   static CallLogDetailData Detail(int type, int row);
   // Number of all calls; they count as seen then.
   static int Size();
 
   // Journal lines since the last call of this function that begin with one of the prefixes, such as
   // "status", "led", "backlight", "timer", "trace", "register".
-  std::vector<std::string> TakeJournal(const std::vector<std::string>& prefixes);
+  Strings TakeJournal(const Strings& prefixes);
 
   std::filesystem::path HistoryFile() const { return root.path() / "config/data/call_data.xml"; }
 

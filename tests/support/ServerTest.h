@@ -11,8 +11,6 @@
 
 namespace desk {
 
-using Strings = std::vector<std::string>;
-
 class ServerTest : public virtual PhoneTest {
  protected:
   using Kind = Behaviour::Kind;

@@ -14,10 +14,8 @@
 namespace desk {
 namespace {
 
-using Words = std::vector<std::string>;
-
 TEST(CommandLineTest, SplitsAtBlanksAndKeepsQuotes) {
-  const std::pair<const char*, Words> rows[] = {
+  const std::pair<const char*, Strings> rows[] = {
       {"", {}},
       {"  # call missed 1", {}},
       {" list\tall 0 ", {"list", "all", "0"}},
@@ -114,7 +112,7 @@ TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
           "dial 2\n"
           "hangup\n" +
           import + "config HistorySavedSwitch 1\ndial 2\nhangup\n");
-  Words reasons;
+  Strings reasons;
   std::istringstream lines(printed);
   for (std::string line; std::getline(lines, line);) {
     if (line.find("refused") != line.npos || line.find("not kept") != line.npos) {
@@ -123,10 +121,10 @@ TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
   }
   const std::string off = "the history is switched off (HistorySavedSwitch is not 1)";
   const std::string noMissed = "the account 100@sip.example.org keeps no missed calls";
-  EXPECT_EQ(reasons, (Words{"  refused: a call is outgoing, missed, received or forwarded",
-                            "  refused: " + noMissed, "  1000 calls refused: " + noMissed,
-                            "  refused: " + off, "  it is not kept: " + off,
-                            "  1000 calls refused: " + off}));
+  EXPECT_EQ(reasons, (Strings{"  refused: a call is outgoing, missed, received or forwarded",
+                              "  refused: " + noMissed, "  1000 calls refused: " + noMissed,
+                              "  refused: " + off, "  it is not kept: " + off,
+                              "  1000 calls refused: " + off}));
 }
 
 TEST_F(ScriptTest, AnInterruptionEndsWhatTakesLong) {

@@ -140,7 +140,7 @@ TEST_F(SourceCommandTest, WhatCannotTravelIsRefusedAndChangesNothing) {
 
 // Of every byte, and of what means something in a URL: just what arrives is let through.
 TEST_F(SourceCommandTest, AUserAndAPasswordArriveWholeOrAreRefused) {
-  std::vector<std::string> texts = {"?name=", "?name", "://", "\u00E9", "%41", "@h", ":@:"};
+  Strings texts = {"?name=", "?name", "://", "\u00E9", "%41", "@h", ":@:"};
   for (int byte = 0; byte < 256; ++byte) texts.emplace_back(1, static_cast<char>(byte));
   const auto source = [](const std::string& user, const std::string& password) {
     BroadSoftConfigItem item;
@@ -180,8 +180,8 @@ TEST_F(SourceCommandTest, AQueryArrivesAsItWasTyped) {
   LogServer server({documents(), "", "", 0});
   server.Start();
   const std::string address = "127.0.0.1:" + std::to_string(server.port());
-  const std::vector<std::string> typedQueries = {"C#",  "a&b", "\u00FC",       "Anna M",    "a+b",
-                                                 "50%", "%41", "x@" + address, "a/b?name=c"};
+  const Strings typedQueries = {"C#",  "a&b", "\u00FC",       "Anna M",    "a+b",
+                                "50%", "%41", "x@" + address, "a/b?name=c"};
   for (const std::string path : {"/Missed", "/"}) {
     Do("source 0 server=" + address + (path == "/" ? "" : path));
     for (const std::string& typed : typedQueries) {

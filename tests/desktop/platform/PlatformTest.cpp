@@ -13,9 +13,7 @@
 namespace desk {
 namespace {
 
-using Lines = std::vector<std::string>;
-
-Lines handled;
+Strings handled;
 
 int Note(ETL_MsgQueueHelper::msgObject& msg) {
   handled.push_back(Format("%x %u %d", msg.message, msg.wParam, msg.lParam));
@@ -34,7 +32,7 @@ int ReplyAndLeave(ETL_MsgQueueHelper::msgObject& msg) {
 class PlatformTest : public PhoneTest {
  protected:
   PlatformTest() { handled.clear(); }
-  static Lines TakeHandled() { return std::exchange(handled, {}); }
+  static Strings TakeHandled() { return std::exchange(handled, {}); }
 };
 
 TEST_F(PlatformTest, HandlersAreFoundByRangeAndRemovedByRangeAndFunction) {
@@ -47,11 +45,11 @@ TEST_F(PlatformTest, HandlersAreFoundByRangeAndRemovedByRangeAndFunction) {
   EXPECT_FALSE(EtlMsgHandler_UnregisterMsgHandle(20, 31, Note));
 
   EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), 5) << "the first reply counts";
-  EXPECT_EQ(TakeHandled(), Lines{"leaves"}) << "one handler removed itself and the next";
+  EXPECT_EQ(TakeHandled(), Strings{"leaves"}) << "one handler removed itself and the next";
   EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), std::nullopt);
   platform->loop.Send({30, 1, -1, {}});
   platform->loop.Send({31, 1, -1, {}});
-  EXPECT_EQ(TakeHandled(), Lines{"1e 1 -1"});
+  EXPECT_EQ(TakeHandled(), Strings{"1e 1 -1"});
 }
 
 TEST_F(PlatformTest, PostsOfAnyThreadAreDeliveredOnTheLoopsThread) {
@@ -77,7 +75,7 @@ TEST_F(PlatformTest, OnlyTheNewestOfWhatNobodyTakesIsKept) {
   const std::vector<Message> told = platform->loop.TakeAppMessages();
   ASSERT_EQ(told.size(), std::size_t{kMessages});
   EXPECT_EQ(told.front().lParam, kLines);
-  const Lines lines = platform->journal.Lines();
+  const Strings lines = platform->journal.Lines();
   ASSERT_EQ(lines.size(), std::size_t{kLines});
   EXPECT_EQ(lines.front(), Format("app 0x1 0 %d", kMessages));
 }
@@ -91,9 +89,9 @@ TEST_F(PlatformTest, TimersFireOnceInTheOrderOfTheirTimes) {
   EXPECT_TRUE(timerKillThreadTimer(3));
   EXPECT_FALSE(timerKillThreadTimer(3));
   platform->Advance(Milliseconds(99));
-  EXPECT_EQ(TakeHandled(), Lines{"8113 1 0"});
+  EXPECT_EQ(TakeHandled(), Strings{"8113 1 0"});
   platform->Advance(Milliseconds(1));
-  EXPECT_EQ(TakeHandled(), Lines{"8113 2 0"});
+  EXPECT_EQ(TakeHandled(), Strings{"8113 2 0"});
   platform->Advance(std::chrono::hours(24));
   EXPECT_TRUE(TakeHandled().empty());
   EXPECT_EQ(platform->clock().Wall(), kNow + 24 * 3600);

@@ -9,7 +9,6 @@
 namespace desk {
 namespace {
 
-using Texts = std::vector<std::string>;
 using Config = std::map<std::string, int>;
 
 // The working directory holds the profile and its address book.
@@ -69,20 +68,20 @@ photo = "photos/stephane.png"
                                     {"Any key", -2147483647 - 1}}));
   EXPECT_EQ(Settings(profile), (std::vector<int>{0, 0, 1, 3600, 3, 4, 0}));
   EXPECT_EQ(profile.limits.ca_file, root.path() / "ca.pem");
-  Texts accounts;
+  Strings accounts;
   for (const Account& account : profile.accounts) {
     accounts.push_back(account.FullName() + " " + std::to_string(account.GetAccountId()) +
                        (account.IsAccountUsable() ? " usable" : "") +
                        (account.IsSaveMissCallLog() ? " keeps missed" : ""));
   }
   EXPECT_EQ(accounts,
-            (Texts{"anna@sip.example.org 7", "anna@sip.example.com 0 usable keeps missed"}));
+            (Strings{"anna@sip.example.org 7", "anna@sip.example.com 0 usable keeps missed"}));
   ASSERT_EQ(profile.contacts.size(), 2u);
   EXPECT_EQ(profile.contacts[0].name, "Stéphane Müller");
-  EXPECT_EQ(profile.contacts[0].numbers, (Texts{"+441632960101", "612"}));
+  EXPECT_EQ(profile.contacts[0].numbers, (Strings{"+441632960101", "612"}));
   EXPECT_EQ(profile.contacts[0].photo, "photos/stephane.png");
   EXPECT_EQ(profile.contacts[1].name, "Ελένη");
-  EXPECT_EQ(profile.contacts[1].numbers, Texts{"613"});
+  EXPECT_EQ(profile.contacts[1].numbers, Strings{"613"});
 }
 
 TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
