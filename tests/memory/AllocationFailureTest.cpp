@@ -255,7 +255,6 @@ TEST_F(AllocationFailureTest, WhatIsDoneInPartLeavesWholeCallsAndIsSaved) {
 class ServerAllocationFailureTest : public ServerTest {};
 
 TEST_F(ServerAllocationFailureTest, SourcesAreAllThereOrNone) {
-  const auto file = root.path() / "config/data/broadsoft_calllog_list.xml";
   const auto names = [] {
     Strings found;
     for (int i = 0; i < Logs().GetTotalConfigurableItemCount(); ++i) {
@@ -263,37 +262,34 @@ TEST_F(ServerAllocationFailureTest, SourcesAreAllThereOrNone) {
     }
     return found;
   };
-  const std::string document = "<root_broadsoft_calllog display_name='" + Long("Office") +
-                               "'><item name='" + Long("a") + "'/><item name='" + Long("b") +
-                               "'/></root_broadsoft_calllog>";
+  const Strings both = {Long("a"), Long("b")};
   const auto release = [&] {
     NS_CALLLOG::CBSCallLogController::ReleaseInstance();
-    WriteFile(file, document);
+    WriteFile(root.path() / "config/data/broadsoft_calllog_list.xml",
+              "<root_broadsoft_calllog display_name='" + Long("Office") + "'><item name='" +
+                  both[0] + "'/><item name='" + both[1] + "'/></root_broadsoft_calllog>");
   };
-  const Strings both = {Long("a"), Long("b")};
+  const auto start = [&] { release(), Logs(); };
+  const auto expectAllOrNone = [&](bool done, bool failed) {
+    EXPECT_TRUE(done || failed);
+    if (!failed || !names().empty()) {
+      EXPECT_EQ(names(), both);
+    }
+  };
   FailEach(
       release, [] { return NS_CALLLOG::CBSCallLogController::GetInstance() != nullptr; },
-      [&](bool /*started*/, bool failed) {
-        if (!failed || !names().empty()) {
-          EXPECT_EQ(names(), both);
-        }
-      });
-  const auto start = [&] {
-    release();
-    Logs();
-  };
+      expectAllOrNone);
   FailEach(
-      start, [] { return Logs().ReloadBSCallLogConfig(); },
-      [&](bool loaded, bool /*failed*/) { EXPECT_EQ(names(), loaded ? both : Strings()); });
+      start, [] { return Logs().ReloadBSCallLogConfig(); }, expectAllOrNone);
   const BroadSoftConfigItem changed = MakeSource(Long("server"), "1", Long("u"), Long("p"));
   FailEach(
       start,
       [&] {
         Logs().SetConfigDataByIndex(0, changed);
-        return CallLog_IsBroadSoftCallLogConfigured() +
-               static_cast<int>(CallLog_GetBSCallLogDisplayName().size());
+        return CallLog_IsBroadSoftCallLogConfigured() == 1 &&
+               !CallLog_GetBSCallLogDisplayName().empty();
       },
-      [&](int /*answer*/, bool /*failed*/) {
+      [&](bool /*done*/, bool /*failed*/) {
         EXPECT_EQ(Logs().GetConfigDataByIndex(0)->name.empty(),
                   Logs().GetConfigDataByIndex(0)->server == changed.server);
         Logs().ReloadBSCallLogConfig();

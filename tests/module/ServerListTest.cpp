@@ -48,9 +48,11 @@ TEST_F(ServerListTest, FetchesTwoAtOnceTheSlowerOneFirst) {
   }
 }
 
-TEST_F(ServerListTest, Failures) {
+TEST_F(ServerListTest, AFailureLeavesTheListThatWasThere) {
   std::string nested;
   for (int i = 0; i < 1000; ++i) nested = "<a>" + nested + "</a>";
+  std::string attributes;
+  for (int i = 0; i < 100; ++i) attributes += " a" + std::to_string(i) + "=''";
   const fs::path local = root.path() / "tmp/BroadSoftCallLog.xml";
   const auto misbehave = [this](const Behaviour& how) {
     return [=] { server.Misbehave("/Missed", how); };
@@ -71,6 +73,8 @@ TEST_F(ServerListTest, Failures) {
       {"cut connection", misbehave({Kind::kCut, 0, {}})},
       {"stalled", misbehave({Kind::kStall, 0, {}})},
       {"too long", serve(Document(std::string(20000, ' ')))},
+      {"endless", misbehave({Kind::kEndless, 0, {}})},
+      {"one tag with many attributes", serve("<a" + attributes + "/>")},
       {"endless redirect", misbehave({Kind::kRedirect, 0, "/Missed"})},
       {"local file in the way", [&] { fs::remove(local), fs::create_directories(local / "x"); }},
       {"no temporary directory", [&] { fs::remove_all(local.parent_path()); }},
@@ -83,9 +87,12 @@ TEST_F(ServerListTest, Failures) {
       {"HTML page", misbehave({Kind::kPage, 0, {}}), {}, BS_LIST_DOWNLOADING, "0 ", false},
       {"no network", [&] { platform->networkUp = false; }, {"1", "2"}, BS_LIST_NO_NETWORK, ""},
   };
+  TransferLimits limits;
+  limits.max_bytes = 10000;
+  limits.idle_seconds = 2;
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.what);
-    Boot({10000, 10, 2, 60, 5});
+    Boot(limits);
     Serve("Missed", Document(Entry("1") + Entry("2")));
     SetSource(0, "/Missed");
     EXPECT_EQ(Fetch(0), Strings{"0 " + Url("/Missed")});
@@ -152,20 +159,21 @@ TEST_F(ServerListTest, AQueryIsAListOfItsOwn) {
 // Both transfers are of one URL: the first is sent to "/Slow" and held there.
 TEST_F(ServerListTest, AChangeOfMindWhileATransferRuns) {
   Serve("Missed", Document(Entry("new")));
+  enum Mind { kCancels, kCancelsAndAsks, kRefreshes, kRefreshesNothing };
   const struct {
     const char* what;
-    bool cancels, asks, refreshes;
+    Mind mind;
     bool slowOneFails;
     Strings told;  // lParams, in order
     int next;      // answer to the next request
   } kRows[] = {
-      {"cancel", true, false, false, false, {}, BS_LIST_DOWNLOADING},
-      {"cancel; it fails", true, false, false, true, {}, BS_LIST_DOWNLOADING},
-      {"cancel, ask", true, true, false, false, {"0 "}, BS_LIST_OK},
-      {"cancel, ask; the first fails", true, true, false, true, {"0 ", "1 "}, BS_LIST_DOWNLOADING},
-      {"refresh", false, true, true, false, {"0 "}, BS_LIST_OK},
-      {"refresh; the first fails", false, true, true, true, {"0 ", "1 "}, BS_LIST_DOWNLOADING},
-      {"refresh of nothing; it fails", false, false, true, true, {}, BS_LIST_DOWNLOADING},
+      {"cancel", kCancels, false, {}, BS_LIST_DOWNLOADING},
+      {"cancel; it fails", kCancels, true, {}, BS_LIST_DOWNLOADING},
+      {"cancel, ask", kCancelsAndAsks, false, {"0 "}, BS_LIST_OK},
+      {"cancel, ask; it fails", kCancelsAndAsks, true, {"0 ", "1 "}, BS_LIST_DOWNLOADING},
+      {"refresh", kRefreshes, false, {"0 "}, BS_LIST_OK},
+      {"refresh; it fails", kRefreshes, true, {"0 ", "1 "}, BS_LIST_DOWNLOADING},
+      {"refresh of nothing; it fails", kRefreshesNothing, true, {}, BS_LIST_DOWNLOADING},
   };
   int before = 0;
   for (const auto& row : kRows) {
@@ -179,16 +187,17 @@ TEST_F(ServerListTest, AChangeOfMindWhileATransferRuns) {
     EXPECT_EQ(Ask(0), BS_LIST_DOWNLOADING);
     EXPECT_TRUE(server.WaitForRequests("/Slow", ++before));
     server.Misbehave("/Missed", {});
-    if (row.cancels) Logs().CancelDownload();
-    if (row.asks) Ask(0, "", row.refreshes);
-    if (!row.asks && row.refreshes) Ask(99, "", true);
+    if (row.mind == kCancels || row.mind == kCancelsAndAsks) Logs().CancelDownload();
+    const bool asks = row.mind == kCancelsAndAsks || row.mind == kRefreshes;
+    if (asks) Ask(0, "", row.mind == kRefreshes);
+    if (row.mind == kRefreshesNothing) Ask(99, "", true);
     Strings told = Settle(1);
     server.Misbehave("/Slow", {});
     for (const std::string& more : Settle()) told.push_back(more);
     Strings expected = row.told;
     for (std::string& lParam : expected) lParam += Url("/Missed");
     EXPECT_EQ(told, expected);
-    EXPECT_EQ(Numbers(), row.asks ? Strings{"new"} : Strings{});
+    EXPECT_EQ(Numbers(), asks ? Strings{"new"} : Strings{});
     EXPECT_EQ(Ask(0), row.next);
     Settle();
   }
@@ -294,34 +303,29 @@ TEST_F(ServerListTest, ReadsTimeStamps) {
   EXPECT_EQ(Entries(), expected);
 }
 
-TEST_F(ServerListTest, Pages) {
-  std::string entries;
-  for (int i = 0; i < 25; ++i) entries += Entry(std::to_string(i));
-  Serve("Missed", Document(entries));
+TEST_F(ServerListTest, APageKeepsItsRowsAndGetsThoseAskedFor) {
+  Serve("Missed", Document(Entry("1") + Entry("2") + Entry("3")));
   SetSource(0, "/Missed");
   Fetch(0);
-  const struct {
-    int index, count, size;  // -1: refused
-  } kRows[] = {{10, 10, 10}, {20, 10, 5}, {24, INT_MAX, 1}, {25, 10, 0}, {0, 0, -1}, {-1, 10, -1}};
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.index);
-    const bool refused = row.size < 0;
+  const auto ask = [this](int first, int count) {
     page.Reset();
     page.total = -7;
-    page.request_index = row.index;
-    page.request_count = row.count;
-    page.items.emplace_back().display_name = "appended to";
-    Strings expected = {"appended to"};
-    for (int i = 0; i < row.size; ++i) expected.push_back(std::to_string(row.index + i));
-    EXPECT_EQ(Logs().GetLogListByClickAction(&page, "broadsoft_calllog_0", "", false),
-              refused ? BS_LIST_INVALID : BS_LIST_OK);
-    EXPECT_EQ(page.total, refused ? -7 : 25);
-    Strings names;
-    for (const CallLogSimpleData& item : page.items) names.push_back(item.display_name);
-    EXPECT_EQ(names, expected);
-  }
+    page.request_index = first;
+    page.request_count = count;
+    page.items.emplace_back();
+    const int answer = Logs().GetLogListByClickAction(&page, "broadsoft_calllog_0", "", false);
+    std::string text = std::to_string(answer) + ", " + std::to_string(page.total) + ":";
+    for (const CallLogSimpleData& item : page.items) text += item.display_name + " ";
+    return text;
+  };
+  const std::string shown = std::to_string(BS_LIST_OK) + ", 3: ";
+  const std::string refused = std::to_string(BS_LIST_INVALID) + ", -7: ";
+  EXPECT_EQ(ask(0, 2), shown + "1 2 ");
+  EXPECT_EQ(ask(1, INT_MAX), shown + "2 3 ");
+  EXPECT_EQ(ask(3, 1), shown);
+  EXPECT_EQ(ask(0, 0) + ask(-1, 2), refused + refused);
   CallLogDetailData detail;
-  for (const int index : {-1, 25, INT_MAX, INT_MIN}) {
+  for (const int index : {-1, 3, INT_MAX, INT_MIN}) {
     EXPECT_FALSE(Logs().GetLogDetailByIndex(&detail, index));
     EXPECT_FALSE(Logs().AddToLocalDir(index) || Logs().AddToLocalBlackDir(index));
   }
