@@ -130,7 +130,7 @@ class HistoryGuardTest : public PhoneTest {
   std::optional<HistoryGuard> guard;
 };
 
-TEST_F(HistoryGuardTest, SaysNothingWithoutTrouble) {
+TEST_F(HistoryGuardTest, AnswersGoodWithoutAFault) {
   EXPECT_EQ(Start(), Outcome::kGood);
   EXPECT_EQ(Found(), Files());
   Lay(whole, whole);

@@ -23,7 +23,7 @@ namespace {
 
 using ThrowingPlatformTest = PhoneTest;
 
-TEST_F(ThrowingPlatformTest, OneNameCostsNoCall) {
+TEST_F(ThrowingPlatformTest, ANameWithoutKeyPadFormIsStoredAllTheSame) {
   CallLogAddItemData cursed = MakeCall(1, "102");
   cursed.remote_display_name = "Cursed";
   EXPECT_EQ(Add(1, "101"), 0);

@@ -150,7 +150,7 @@ TEST_F(CommandTest, AChangeOfTheSourcesIsTakenOverAndAnswered) {
   EXPECT_EQ(JournalOf(0x28), expected(""));
 }
 
-TEST_F(CommandTest, OtherItemsAreNotAnsweredAndRemoveNothing) {
+TEST_F(CommandTest, OtherConfigurationItemsAreNotAnsweredAndRemoveNothing) {
   CallLog_RegisterMessage();
   std::vector<int> results;
   platform->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });

@@ -25,7 +25,7 @@ class ControllerTest : public PhoneTest {
   }
 };
 
-TEST_F(ControllerTest, TheFirstUseReadsTheHistoryAndNoOther) {
+TEST_F(ControllerTest, OnlyTheFirstUseReadsTheHistory) {
   const std::vector<std::function<void()>> uses = {
       [] { CCallLogController::GetInstance(); },
       [] { EXPECT_EQ(Add(3, "added"), 0); },

@@ -35,7 +35,7 @@ class ReentryTest : public PhoneTest {
   std::mt19937 random;
 };
 
-TEST_F(ReentryTest, WhatIsRemovedIsGoneForWhoeverIsTold) {
+TEST_F(ReentryTest, ARemovedCallIsInNoListWhenServicesAreTold) {
   const std::map<std::string, std::function<void()>> removals = {
       {"one", [] { Controller().RemoveLog(Action(2), 0); }},
       {"several", [] { Controller().RemoveLogList(Action(2), {0}); }},
@@ -57,7 +57,7 @@ TEST_F(ReentryTest, WhatIsRemovedIsGoneForWhoeverIsTold) {
   }
 }
 
-TEST_F(ReentryTest, ACallThatComesWhileAFullListLosesOneIsKept) {
+TEST_F(ReentryTest, ACallAddedDuringARemovalIsKept) {
   for (int i = 0; i < 100; ++i) Add(2, std::to_string(1000 + i), kNow - i);
   Once([] { EXPECT_EQ(Add(2, "1999"), 0); });
   EXPECT_EQ(Controller().RemoveLog(Action(2), 99), 1);
@@ -157,7 +157,7 @@ class RandomReentryTest : public ReentryTest {
   int depth_ = 0;
 };
 
-TEST_F(RandomReentryTest, LeavesNothingBroken) {
+TEST_F(RandomReentryTest, KeepsCountsAndListsConsistent) {
   for (unsigned int seed = 0; seed < 40 && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     Begin(seed);

@@ -67,7 +67,7 @@ class SearchTest : public PhoneTest {
 
 // Two calls of one number got one name, so that they are one hit, the newer call; the older one's
 // key-pad name goes on with another digit. Only a search that walks the history finds it.
-TEST_F(SearchTest, TheHitsOfTheKeyBeforeAreUsedWhileTheyCan) {
+TEST_F(SearchTest, ALongerKeyNarrowsTheHitsUntilTheHistoryChanges) {
   const auto ask = [](const std::string& key, int count = 9) {
     return [=] { EXPECT_EQ(Find(key, 0, count) == "refused", key.empty() || count < 1); };
   };

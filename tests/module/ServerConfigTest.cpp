@@ -48,7 +48,7 @@ TEST_F(ServerConfigTest, StartsWithSixEmptySources) {
   EXPECT_EQ(Sources(), Strings(6, "|||||"));
 }
 
-TEST_F(ServerConfigTest, ReadsWhatAHandWrote) {
+TEST_F(ServerConfigTest, ReadsAHandEditedFile) {
   WriteFile(file(), R"(<?xml version='1.0'?><!-- ours -->
       <other/>
       <root_broadsoft_calllog display_name='Server &amp; &#x4C;ogs' more="1">

@@ -157,7 +157,7 @@ TEST_F(ServerListTest, AQueryIsAListOfItsOwn) {
 }
 
 // Both transfers are of one URL: the first is sent to "/Slow" and held there.
-TEST_F(ServerListTest, AChangeOfMindWhileATransferRuns) {
+TEST_F(ServerListTest, ACancelledOrRefreshedListTakesNoOlderDocument) {
   Serve("Missed", Document(Entry("new")));
   enum Mind { kCancels, kCancelsAndAsks, kRefreshes, kRefreshesNothing };
   const struct {

@@ -152,7 +152,7 @@ TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {
   EXPECT_NE(Run("list\n").find("  all: 3 calls"), note.npos);
 }
 
-TEST_F(ScriptTest, ARootIsOnePhonesAlone) {
+TEST_F(ScriptTest, ASecondPhoneIsRefusedTheSameRoot) {
   const Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0));
   EXPECT_THROW(RootDirectory second(root.path()), RootError);
   WriteFile(root.path() / "file", "");

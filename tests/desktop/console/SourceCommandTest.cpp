@@ -99,7 +99,7 @@ TEST_F(SourceCommandTest, AFileLeadsNobodyElsewhere) {
   EXPECT_EQ(Do("sources").find("s3cret"), std::string::npos);
 }
 
-TEST_F(SourceCommandTest, WhatCannotTravelIsRefusedAndChangesNothing) {
+TEST_F(SourceCommandTest, AnUnusableSourceIsRefusedAndChangesNothing) {
   const std::pair<const char*, const char*> kRows[] = {
       {"user=a:b", R"(a user cannot hold ":")"},
       {"user=a/b", R"(a user cannot hold "/")"},

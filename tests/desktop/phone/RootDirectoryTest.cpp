@@ -81,7 +81,7 @@ TEST_F(RootDirectoryTest, WhatThePhoneMakesIsItsUsersAlone) {
   EXPECT_EQ(Mode(work.path() / "a/b"), "700");
 }
 
-TEST_F(RootDirectoryTest, AnOlderOneIsClosedAndTidied) {
+TEST_F(RootDirectoryTest, AnOlderDirectoryIsClosedToOthersAndTidied) {
   const fs::path others = work.path() / "others";
   Write(others / "file", "");
   Write(others / "data/file", "");
@@ -128,7 +128,7 @@ TEST_F(RootDirectoryTest, AnOlderOneIsClosedAndTidied) {
   EXPECT_EQ(ModesOf(others), beforeLinks);
 }
 
-TEST_F(RootDirectoryTest, TakesNothingThatIsSomebodyElses) {
+TEST_F(RootDirectoryTest, RefusesADirectoryWithOtherFiles) {
   const std::pair<const char*, bool> rows[] = {
       {"thesis.txt", false},
       {"lock/file", false},

@@ -135,7 +135,7 @@ TEST_F(LogServerTest, ServesTheFilesOfItsDirectoryAlone) {
   }
 }
 
-TEST_F(LogServerTest, TakesTheSchemeInAnyCaseAndTheRestAsItIs) {
+TEST_F(LogServerTest, TakesBasicInAnyCaseAndThePasswordAsItIs) {
   Serve("Missed", "missed");
   const std::string credentials = kCredentials;
   const std::pair<std::string, int> rows[] = {
