@@ -100,7 +100,7 @@ class RandomReentryTest : public ReentryTest {
         [&] { OneIn(9) ? CallLog_ResetLogContactName() : 0; },
         [&] { Controller().SaveToFile(); },
         [&] { Controller().RedialNumberByClickAction(Action(2)); },
-        [&] { Found(number.substr(0, static_cast<std::size_t>(1 + Below(3)))); },
+        [&] { Found(number.substr(0, 1 + static_cast<std::size_t>(Below(3)))); },
     };
     if (OneIn(2)) {
       Add(1 + Below(4), number, kNow + Below(50));
