@@ -46,6 +46,7 @@ class AllocationFailureTest : public PhoneTest {
     const char* what;
     std::function<bool()> act;  // whether it has succeeded
     std::function<void()> prepare = [] {};
+    bool changes = true;  // false: reads a file that stays as it is
   };
 
   // After a success everything is as without a shortage, after a failure as before.
@@ -124,15 +125,16 @@ class AllocationFailureTest : public PhoneTest {
                }
                WaitForSave();
                retries += !done && State().back() != before_.back();
+               if (operation.changes) ExpectSavedAsShown();
+               EXPECT_TRUE(Add(1, "65"));
                ExpectSavedAsShown();
              });
   }
 
+  // Whatever has changed is saved without a further change.
   void ExpectSavedAsShown() {
-    EXPECT_TRUE(Add(1, "65"));
     Controller().SaveToFile();
     const Strings names = Names(0);
-    EXPECT_EQ(std::count(names.begin(), names.end(), Long("Caller 65")), 1);
     PowerCycle();
     EXPECT_EQ(Names(0), names);
   }
@@ -227,7 +229,7 @@ TEST_F(AllocationFailureTest, WhatIsDoneInPartLeavesWholeCallsAndIsSaved) {
   const std::string redial = Action(2);
   for (const Operation& operation : std::vector<Operation>{
            {"start", [] { return CCallLogController::GetInstance() != nullptr; },
-            [] { CCallLogController::ReleaseInstance(); }},
+            [] { CCallLogController::ReleaseInstance(); }, false},
            {"contact renamed", [&] { return CallLog_UpdateLog(contact) == 1; }},
            {"names forgotten", [] { return CallLog_ResetLogContactName() == 1; }},
            {"names refreshed", [&] { return Controller().UpdateDispName(entries), true; }},
