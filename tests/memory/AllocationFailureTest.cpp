@@ -224,6 +224,13 @@ TEST_F(AllocationFailureTest, WhatIsDoneInPartLeavesWholeCallsAndIsSaved) {
   entry.number = Long("62");
   entry.display_name = Long("Somebody else");
   const std::list<SuperSearchItemData> entries = {entry};
+  const auto loadShortNames = [&] {  // where a number has no room
+    CallLogUpdateData shorter = contact;
+    shorter.display_name = "Bo";
+    CallLog_UpdateLog(shorter);
+    WaitForSave();
+    PowerCycle();
+  };
   const std::list<int> rows = {0, 3, 5};
   const std::string all = Action(0);
   const std::string redial = Action(2);
@@ -231,7 +238,7 @@ TEST_F(AllocationFailureTest, WhatIsDoneInPartLeavesWholeCallsAndIsSaved) {
            {"start", [] { return CCallLogController::GetInstance() != nullptr; },
             [] { CCallLogController::ReleaseInstance(); }, false},
            {"contact renamed", [&] { return CallLog_UpdateLog(contact) == 1; }},
-           {"names forgotten", [] { return CallLog_ResetLogContactName() == 1; }},
+           {"names forgotten", [] { return CallLog_ResetLogContactName() == 1; }, loadShortNames},
            {"names refreshed", [&] { return Controller().UpdateDispName(entries), true; }},
            {"one removed", [&] { return Controller().RemoveLog(all, 2) == 1; }},
            {"some removed", [&] { return Controller().RemoveLogList(all, rows) == 1; }},
