@@ -1,6 +1,6 @@
 // The signals that end the phone, SIGHUP, SIGINT, SIGQUIT and SIGTERM, and those with which a shell
-// stops it and lets it go on: which of them have arrived. SIGPIPE ends nothing: a phone that nobody listens
-// to any more still has calls to save.
+// stops it and lets it go on: which of them have arrived. SIGPIPE ends nothing: a phone that nobody
+// listens to any more still has calls to save.
 #pragma once
 
 #include <signal.h>
