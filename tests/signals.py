@@ -236,8 +236,13 @@ def in_the_background(desk, shell):
         shell.expect(PROMPT)
         shell.type("\x1a")
         shell.expect("sh> ")
-        shell.kill(number)
-        shell.kill(signal.SIGCONT)
+        if number == signal.SIGTERM:
+            shell.type("bg\n")
+            shell.expect("sh> ")
+            shell.kill(number)
+        else:
+            shell.kill(number)
+            shell.kill(signal.SIGCONT)
         with open(desk.root / "lock") as lock:
             within_limit(lambda: fcntl.flock(lock, fcntl.LOCK_EX))
         shell.type("\n")
