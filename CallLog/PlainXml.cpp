@@ -70,7 +70,7 @@ class PlainXmlWriter {
   bool KeepNode();
   bool KeepCData();
   bool KeepWholeCData();
-  std::size_t KeepCDataCharacter();
+  void KeepCDataCharacter();
   bool KeepOpenTag();
   bool KeepCloseTag();
   bool KeepAttributes();
@@ -203,15 +203,13 @@ bool PlainXmlWriter::KeepNode() {
 // blanks alone would be no text, and stays CDATA.
 bool PlainXmlWriter::KeepCData() {
   const std::size_t end = rest_.find("]]>");
+  if (depth_ == 0 || end == std::string_view::npos) return KeepWholeCData();
   const std::string_view inside = rest_.substr(9, end - 9);
-  if (depth_ > 0 && end != std::string_view::npos && SpacesAtStart(inside) < inside.size()) {
-    Drop(9);
-    for (std::size_t left = inside.size(); left > 0;) left -= KeepCDataCharacter();
-    Drop(3);
-    return true;
-  }
-  if (depth_ > 0 && inside.empty()) return Drop(12), true;
-  return KeepWholeCData();
+  if (!inside.empty() && SpacesAtStart(inside) == inside.size()) return KeepWholeCData();
+  Drop(9);
+  while (!Starts("]]>")) KeepCDataCharacter();
+  Drop(3);
+  return true;
 }
 
 // Behind the root element nothing is lost with the end.
@@ -228,10 +226,8 @@ bool PlainXmlWriter::KeepWholeCData() {
   return true;
 }
 
-// As a reference where TinyXML would take it for markup, or condense it with other blanks. Its
-// length in the document.
-std::size_t PlainXmlWriter::KeepCDataCharacter() {
-  const std::size_t before = rest_.size();
+// As a reference where TinyXML would take it for markup, or condense it with other blanks.
+void PlainXmlWriter::KeepCDataCharacter() {
   switch (rest_.front()) {
     case '<': Replace(1, "&lt;"); break;
     case '&': Replace(1, "&amp;"); break;
@@ -241,7 +237,6 @@ std::size_t PlainXmlWriter::KeepCDataCharacter() {
     case '\r': Replace(1, "&#13;"); break;
     default: KeepCharacter();
   }
-  return before - rest_.size();
 }
 
 bool PlainXmlWriter::KeepOpenTag() {
