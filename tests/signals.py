@@ -229,6 +229,19 @@ def in_a_script(desk):
 
 def in_the_background(desk, shell):
     """A phone that is stopped ends when it goes on, and leaves the terminal to whoever has it."""
+    shell.start(desk.command())
+    shell.type("\x1a")
+    shell.expect("sh> ")
+    shell.type("bg\n")
+    shell.expect("sh> ")
+    shell.type("fg\n")
+    shell.expect("fg\r\n")
+    shell.type("idl\x08le\n")  # which the phone edits, not the terminal
+    shell.expect("LED off")
+    shell.expect(PROMPT)
+    assert shell.modes() != shell.before
+    shell.type("quit\n")
+    shell.ends_with(0)
     for number in signal.SIGTERM, signal.SIGHUP:
         shell.start(desk.command())
         shell.type(f"call missed 61{number}\n")

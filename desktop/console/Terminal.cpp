@@ -35,6 +35,7 @@ void OnLine(char* text) {
   const std::unique_ptr<char, decltype(&std::free)> line(text, std::free);
   Console& console = *terminal;
   if (line == nullptr) {
+    rl_callback_handler_remove();
     console.out << "\n";
     console.wantsToQuit = true;
     return;
@@ -103,7 +104,10 @@ void SeeToStops(Signals& signals) {
     rl_deprep_terminal();
     signals.Stop();
   }
-  if (!signals.Take(SIGCONT) || !HasTerminal()) return;
+  static bool continued = false;  // in the background, at times: then the terminal comes later
+  continued = signals.Take(SIGCONT) || continued;
+  if (!continued || !HasTerminal()) return;
+  continued = false;
   rl_deprep_terminal();
   rl_prep_terminal(1);
   Redisplay([] {});
@@ -128,7 +132,9 @@ void RunPrompt(Console& console, Signals& signals) {
     if (signals.Ending() != 0) return;
     if (poll(waiting, 2, PollTimeout(console.phone)) < 0) continue;
     if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
-    if (waiting[0].revents != 0) rl_callback_read_char();
+    if (waiting[0].revents == 0) continue;
+    SeeToStops(signals);
+    rl_callback_read_char();
   }
 }
 
