@@ -377,7 +377,8 @@ TEST_F(ServerAllocationFailureTest, AListIsFetchedOrCanBeAskedForAgain) {
   FailEach(arrive, deliver, checkFetched, {Shortage::kLasting});
   stuck = 0;
   FailEach(arrive, deliver, checkFetched, {Shortage::kOnce});
-  EXPECT_LE(stuck, 1);  // when there is no memory even for the list's URL
+  EXPECT_LE(stuck,
+            2);  // no memory even for the list's URL: one allocation, two on armhf
 }
 
 }  // namespace
