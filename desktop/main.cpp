@@ -9,7 +9,6 @@
 
 #include "desktop/Demo.h"
 #include "desktop/console/CallImport.h"
-#include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
 #include "desktop/console/Signals.h"
@@ -37,6 +36,7 @@ struct Options {
   int traceLevel = 0;
   fs::path traceFile;
   fs::path documents;
+  bool importing = false;
   desk::CallImport import;
 };
 
@@ -69,22 +69,6 @@ std::unique_ptr<desk::Clock> MakeClock(bool manual) {
   return std::make_unique<desk::ManualClock>(desk::ParseLocalTime("2026-10-07 09:00:00"));
 }
 
-void SetTimeZone(const desk::Profile& profile, bool scripted) {
-  if (!profile.timezone.empty()) {
-    desk::SetTimeZone(profile.timezone);
-  } else if (scripted) {
-    desk::SetTimeZone("UTC0");
-  }
-}
-
-void SetTrace(const Options& options, desk::Console& console) {
-  desk::Trace& trace = console.phone.platform().trace;
-  trace.SetLevel(options.traceLevel);
-  if (!options.traceFile.empty() && !trace.SetFile(console.folder / options.traceFile)) {
-    throw desk::CommandError("cannot write to " + options.traceFile.string());
-  }
-}
-
 // The number of wrong lines.
 int RunScripts(const Options& options, const desk::Console& console) {
   int wrong = 0;
@@ -95,9 +79,8 @@ int RunScripts(const Options& options, const desk::Console& console) {
   return wrong;
 }
 
-int UsePhone(const Options& options, bool importing, desk::Console& console,
-             desk::Signals& signals) {
-  if (importing) {
+int UsePhone(const Options& options, desk::Console& console, desk::Signals& signals) {
+  if (options.importing) {
     options.import.Run(console);
     return 0;
   }
@@ -109,22 +92,23 @@ int UsePhone(const Options& options, bool importing, desk::Console& console,
   return wrong;
 }
 
-int RunPhone(const Options& options, bool importing, desk::Signals& signals) {
-  const bool scripted = !importing && !options.script.empty();
+int RunPhone(const Options& options, desk::Signals& signals) {
+  const bool scripted = !options.importing && !options.script.empty();
   const desk::Profile profile =
       options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
-  SetTimeZone(profile, scripted);
+  const std::string zone = profile.timezone.empty() && scripted ? "UTC0" : profile.timezone;
+  if (!zone.empty()) desk::SetTimeZone(zone);
   const fs::path start = fs::current_path();
   std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
-  const bool serves = !importing && !options.documents.empty();
+  const bool serves = !options.importing && !options.documents.empty();
   const auto server = serves ? desk::ServeDocuments(options.documents) : nullptr;
   desk::Phone phone(options.root, profile, MakeClock(scripted));
   desk::Console console{phone, std::cout, start, server.get()};
   desk::ReportNews(console);
   signals.WakeUp(phone.platform().loop.descriptor());
   phone.interrupted = [&signals] { return signals.Ending() != 0; };
-  SetTrace(options, console);
-  const int wrong = UsePhone(options, importing, console, signals);
+  desk::SetTrace(console, options.traceLevel, options.traceFile);
+  const int wrong = UsePhone(options, console, signals);
   phone.Save();
   desk::ReportNews(console);
   return wrong > 0 ? kWrongCommands : 0;
@@ -146,16 +130,16 @@ void AddOptions(CLI::App* app, Options* options) {
   app->add_option("--trace-file", options->traceFile, "where to, instead of standard error");
 }
 
-CLI::App* AddImport(CLI::App* app, Options* options) {
+void AddImport(CLI::App* app, Options* options) {
   options->import.server = "pbx.example.org";
   CLI::App* const cdr =
-      app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists");
+      app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists")
+          ->callback([options] { options->importing = true; });
   cdr->add_option("FILE", options->import.file, "Master.csv, or the custom layout")->required();
   cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
   cdr->add_option("--server", options->import.server, "SIP server of both parties")
       ->capture_default_str();
   cdr->excludes(app->get_option("--demo"));
-  return cdr;
 }
 
 // What `run` returns; an exception is reported.
@@ -169,13 +153,13 @@ int Run(const std::function<int()>& run) {
   }
 }
 
-int RunPhoneUntilSignal(Options* options, bool importing) {
+int RunPhoneUntilSignal(Options* options) {
   desk::Signals signals;
   const int status = Run([&] {
     const auto demoRoot = options->demo ? SetUpDemo(options) : nullptr;
     if (options->root.empty()) options->root = desk::RootDirectory::Default();
     if (options->script.empty() && isatty(STDIN_FILENO) == 0) options->script = "-";
-    return RunPhone(*options, importing, signals);
+    return RunPhone(*options, signals);
   });
   return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;
 }
@@ -191,9 +175,9 @@ int main(int argc, char** argv) {
       "SIGTERM ended it, with everything saved.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
-  CLI::App* const importing = AddImport(&app, &options);
+  AddImport(&app, &options);
   desk::ServerProgram server(&app);
   CLI11_PARSE(app, argc, argv);
   if (server.IsWanted()) return Run([&] { return server.Run(); });
-  return RunPhoneUntilSignal(&options, importing->parsed());
+  return RunPhoneUntilSignal(&options);
 }

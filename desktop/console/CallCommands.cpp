@@ -1,12 +1,12 @@
 // Commands that bring calls in: what the talk logic and the directory of a phone would report.
+#include <chrono>
 #include <climits>
 
 #include "CallLogRecords.h"
 #include "desktop/console/CallImport.h"
-#include "desktop/console/CallType.h"
+#include "desktop/console/CallLists.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/TimeInput.h"
-#include "desktop/phone/AddCall.h"
 
 namespace desk {
 namespace {
@@ -25,38 +25,37 @@ Account ParseAccount(Phone& phone, const std::string& fullName) {
 int CallTime(Console& console, Arguments& arguments) {
   std::time_t time = console.phone.platform().clock().Wall();
   if (arguments.HasOption("at")) time = ParseLocalTime(arguments.Option("at"));
-  if (arguments.HasOption("ago")) {
-    time -= std::chrono::duration_cast<std::chrono::seconds>(ParseSpan(arguments.Option("ago")))
-                .count();
-  }
+  time -= ParseSpan(arguments.Option("ago", "0s")) / std::chrono::seconds(1);
   if (time > INT_MAX || time < INT_MIN) throw CommandError("the time does not fit into 32 bits");
   return static_cast<int>(time);
 }
 
+// Whom the call came from or went to, and the account it went through.
+void ParseParties(Console& console, Arguments& arguments, CallLogAddItemData* call) {
+  const Account account = ParseAccount(console.phone, arguments.Option("account"));
+  call->local_sip_name = account.name;
+  call->local_sip_server = account.server;
+  call->remote_display_name = arguments.Option("name");
+  call->remote_sip_server = arguments.Option("server", account.server);
+  call->forward_sip_name = arguments.Option("to");
+  call->forward_display_name = arguments.Option("to-name");
+  call->forward_sip_server =
+      arguments.Option("to-server", call->forward_sip_name.empty() ? "" : account.server);
+}
+
 void Call(Console& console, Arguments& arguments) {
-  arguments.AllowOptions(
-      {"name", "server", "account", "duration", "at", "ago", "to", "to-name", "to-server"});
   CallLogAddItemData call;
   call.type = ParseCallType(arguments.Word("the call type"));
   call.remote_sip_name = arguments.Word("the number");
   arguments.Done();
-  const Account account = ParseAccount(console.phone, arguments.Option("account"));
-  call.local_sip_name = account.name;
-  call.local_sip_server = account.server;
+  ParseParties(console, arguments, &call);
   call.born_tick = CallTime(console, arguments);
   call.duration = ParseInt(arguments.Option("duration", "0"), "the duration");
-  call.remote_display_name = arguments.Option("name");
-  call.remote_sip_server = arguments.Option("server", account.server);
-  call.forward_sip_name = arguments.Option("to");
-  call.forward_display_name = arguments.Option("to-name");
-  call.forward_sip_server =
-      arguments.Option("to-server", call.forward_sip_name.empty() ? "" : account.server);
-  const std::string refusal = AddCall(console.phone.platform(), call);
-  if (!refusal.empty()) console.out << "  refused: " << refusal << "\n";
+  const std::string refusal = console.phone.AddCall(call);
+  if (!refusal.empty()) console.Say("refused: " + refusal);
 }
 
 void Import(Console& console, Arguments& arguments) {
-  arguments.AllowOptions({"server"});
   CallImport import;
   import.file = arguments.Word("the file");
   import.extension = arguments.Word("the extension");

@@ -1,7 +1,6 @@
 // Words, quotes and options of a line. What they mean is the commands'.
 #include "desktop/console/CommandLine.h"
 
-#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -12,13 +11,15 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-char HexByte(std::string_view digits) {
+// The byte of the two digits at the position, which is behind them then.
+char HexByte(std::string_view line, std::size_t* position) {
+  const std::string_view digits = line.substr(*position, 2);
   unsigned int value = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, value, 16);
-  if (digits.size() != 2 || error != std::errc() || stop != end) {
+  const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value, 16);
+  if (digits.size() != 2 || error != std::errc() || end != digits.end()) {
     throw CommandError("\\x needs two hexadecimal digits");
   }
+  *position += digits.size();
   return static_cast<char>(value);
 }
 
@@ -29,11 +30,7 @@ char Escaped(std::string_view line, std::size_t* position) {
     case 'n': return '\n';
     case 'r': return '\r';
     case 't': return '\t';
-    case 'x': {
-      const char byte = HexByte(line.substr(*position, 2));
-      *position += 2;
-      return byte;
-    }
+    case 'x': return HexByte(line, position);
     default: return letter;
   }
 }
@@ -49,33 +46,53 @@ void AppendQuoted(std::string_view line, char quote, std::size_t* position, std:
   throw CommandError("a quote is not closed");
 }
 
+// Takes a word off the line, at whose `position` it begins; then that is behind it.
+std::string TakeWord(std::string_view line, std::size_t* position) {
+  std::string word;
+  while (*position < line.size() && kBlanks.find(line[*position]) == std::string_view::npos) {
+    const char letter = line[(*position)++];
+    if (letter == '"' || letter == '\'') {
+      AppendQuoted(line, letter, position, &word);
+    } else {
+      word.push_back(letter);
+    }
+  }
+  return word;
+}
+
+// Whether "name=" stands in the usage of a command.
+bool IsOption(const std::string& name, const std::string& usage) {
+  return name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") == std::string::npos &&
+         (usage.find("[" + name + "=") != std::string::npos ||
+          usage.find(" " + name + "=") != std::string::npos);
+}
+
 }  // namespace
 
 std::vector<std::string> SplitWords(std::string_view line) {
   std::vector<std::string> words;
   std::size_t position = line.find_first_not_of(kBlanks);
   if (position == std::string_view::npos || line[position] == '#') return words;
-  while (position < line.size()) {
-    std::string word;
-    while (position < line.size() && kBlanks.find(line[position]) == std::string_view::npos) {
-      const char letter = line[position++];
-      if (letter == '"' || letter == '\'') {
-        AppendQuoted(line, letter, &position, &word);
-      } else {
-        word.push_back(letter);
-      }
-    }
-    words.push_back(std::move(word));
-    position = std::min(line.find_first_not_of(kBlanks, position), line.size());
+  while (position != std::string_view::npos) {
+    words.push_back(TakeWord(line, &position));
+    position = line.find_first_not_of(kBlanks, position);
   }
   return words;
 }
 
-Arguments::Arguments(std::vector<std::string> words, std::string usage)
-    : words_(std::move(words)), usage_(std::move(usage)) {}
+Arguments::Arguments(std::vector<std::string> words, std::string usage) : usage_(std::move(usage)) {
+  for (std::string& word : words) {
+    const std::string name = word.substr(0, word.find('='));
+    if (name.size() == word.size() || !IsOption(name, usage_)) {
+      words_.push_back(std::move(word));
+    } else if (!options_.emplace(name, word.substr(name.size() + 1)).second) {
+      throw CommandError(name + "= stands twice");
+    }
+  }
+}
 
-std::string Arguments::Word(const char* what) {
-  if (!HasWord()) throw CommandError(std::string(what) + " is missing: " + usage_);
+std::string Arguments::Word(const std::string& what) {
+  if (!HasWord()) throw CommandError(what + " is missing: " + usage_);
   return words_[next_++];
 }
 
@@ -83,10 +100,14 @@ std::string Arguments::WordOr(const std::string& fallback) {
   return HasWord() ? words_[next_++] : fallback;
 }
 
-std::vector<std::string> Arguments::RestOfWords() {
-  std::vector<std::string> rest(words_.begin() + static_cast<std::ptrdiff_t>(next_), words_.end());
-  next_ = words_.size();
-  return rest;
+int Arguments::Int(const std::string& what) { return ParseInt(Word(what), what); }
+
+int Arguments::IntOr(const std::string& what, int fallback) {
+  return HasWord() ? Int(what) : fallback;
+}
+
+bool Arguments::Either(const std::string& first, const std::string& second) {
+  return ParseEither(Word(first + " or " + second), first, second);
 }
 
 std::string Arguments::Option(const std::string& name, const std::string& fallback) {
@@ -96,33 +117,19 @@ std::string Arguments::Option(const std::string& name, const std::string& fallba
 
 bool Arguments::HasOption(const std::string& name) const { return options_.count(name) > 0; }
 
-void Arguments::AllowOptions(const std::vector<std::string>& names) {
-  std::vector<std::string> others;
-  for (std::string& word : words_) {
-    const std::size_t equals = word.find('=');
-    const std::string name = equals == std::string::npos ? std::string() : word.substr(0, equals);
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-      others.push_back(std::move(word));
-    } else if (!options_.emplace(name, word.substr(equals + 1)).second) {
-      throw CommandError(name + "= stands twice");
-    }
-  }
-  words_ = std::move(others);
-}
-
 void Arguments::Done() const {
   if (HasWord()) throw CommandError("\"" + words_[next_] + "\" is too much: " + usage_);
 }
 
-int ParseInt(const std::string& text, const char* what) {
+int ParseInt(const std::string& text, const std::string& what) {
   if (const auto number = WholeNumber(text)) return *number;
-  throw CommandError(std::string(what) + " must be a whole number, not \"" + text + "\"");
+  throw CommandError(what + " must be a whole number, not \"" + text + "\"");
 }
 
-bool ParseSwitch(const std::string& text) {
-  if (text == "on") return true;
-  if (text == "off") return false;
-  throw CommandError("on or off is wanted, not \"" + text + "\"");
+bool ParseEither(const std::string& text, const std::string& first, const std::string& second) {
+  if (text == first) return true;
+  if (text == second) return false;
+  throw CommandError(first + " or " + second + " is wanted, not \"" + text + "\"");
 }
 
 }  // namespace desk

@@ -22,24 +22,24 @@ std::vector<std::string> SplitWords(std::string_view line);
 // The words behind a command, taken one by one; what is left over in the end is an error.
 class Arguments {
  public:
+  // A word "name=value" is an option when "name=" stands in the usage.
   Arguments(std::vector<std::string> words, std::string usage);
 
   bool HasWord() const { return next_ < words_.size(); }
   // The next word; `what` names it in the error when there is none.
-  std::string Word(const char* what);
+  std::string Word(const std::string& what);
   std::string WordOr(const std::string& fallback);
-  std::vector<std::string> RestOfWords();
+  // The next word as a whole decimal number.
+  int Int(const std::string& what);
+  int IntOr(const std::string& what, int fallback);
+  // The next word must be one of two: true for the first.
+  bool Either(const std::string& first, const std::string& second);
   // The value of "name=value" among the words.
   std::string Option(const std::string& name, const std::string& fallback = {});
   bool HasOption(const std::string& name) const;
 
-  // Declares which options there are, and takes them out of the words.
-  void AllowOptions(const std::vector<std::string>& names);
-
   // Everything must have been used.
   void Done() const;
-
-  const std::string& usage() const { return usage_; }
 
  private:
   std::vector<std::string> words_;
@@ -49,9 +49,9 @@ class Arguments {
 };
 
 // A whole decimal number of int; `what` names it in the error.
-int ParseInt(const std::string& text, const char* what);
+int ParseInt(const std::string& text, const std::string& what);
 
-// "on" or "off".
-bool ParseSwitch(const std::string& text);
+// True for the first of two words, false for the second; no other will do.
+bool ParseEither(const std::string& text, const std::string& first, const std::string& second);
 
 }  // namespace desk

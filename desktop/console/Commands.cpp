@@ -1,9 +1,64 @@
-// The table of all commands, and how one line is carried out.
+// The table of all commands, how one line is carried out, and help.
 #include "desktop/console/Commands.h"
 
 #include <utility>
 
+#include "desktop/console/Screen.h"
+
 namespace desk {
+namespace {
+
+const Command& FindCommand(const std::string& name, const std::string& hint = {}) {
+  for (const CommandGroup& group : AllCommands()) {
+    for (const Command& command : group.commands) {
+      if (command.name == name) return command;
+    }
+  }
+  throw CommandError("unknown command \"" + name + "\"" + hint);
+}
+
+void ShowCommands(Console& console) {
+  for (const CommandGroup& group : AllCommands()) {
+    console.Say(group.title);
+    Table rows;
+    for (const Command& command : group.commands) {
+      rows.push_back({" " + command.name, command.help});
+    }
+    PrintTable(console.out, rows);
+  }
+  console.Say(
+      "\"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
+      "name=\"Anna Berg\".");
+}
+
+void Help(Console& console, Arguments& arguments) {
+  if (!arguments.HasWord()) return ShowCommands(console);
+  const std::string name = arguments.Word("the command");
+  arguments.Done();
+  const Command& command = FindCommand(name);
+  console.Say(command.name + " " + command.arguments);
+  console.Say(command.help);
+}
+
+void Quit(Console& console) { console.wantsToQuit = true; }
+
+CommandGroup HelpCommands() {
+  return {"Help",
+          {
+              {"help", "[COMMAND]", "the commands, or the arguments of one", Help},
+              {"quit", "", "saves and switches the phone off", Quit},
+          }};
+}
+
+void Run(const Command& command, Console& console, Arguments& arguments) {
+  if (const auto* const run = std::get_if<void (*)(Console&, Arguments&)>(&command.run)) {
+    return (*run)(console, arguments);
+  }
+  arguments.Done();
+  std::get<void (*)(Console&)>(command.run)(console);
+}
+
+}  // namespace
 
 const std::vector<CommandGroup>& AllCommands() {
   static const std::vector<CommandGroup> kGroups = {
@@ -12,25 +67,21 @@ const std::vector<CommandGroup>& AllCommands() {
   return kGroups;
 }
 
-const Command* FindCommand(const std::string& name) {
-  for (const CommandGroup& group : AllCommands()) {
-    for (const Command& command : group.commands) {
-      if (command.name == name) return &command;
-    }
-  }
-  return nullptr;
+CallLogSimpleListData ParsePage(Arguments& arguments, int rows) {
+  CallLogSimpleListData page;
+  page.request_index = arguments.IntOr("the first row", 0);
+  page.request_count = arguments.IntOr("the number of rows", rows);
+  arguments.Done();
+  return page;
 }
 
 void RunCommand(Console& console, const std::string& line) {
   std::vector<std::string> words = SplitWords(line);
   if (words.empty()) return;
-  const Command* const command = FindCommand(words.front());
-  if (command == nullptr) {
-    throw CommandError("unknown command \"" + words.front() + "\" (help lists them)");
-  }
+  const Command& command = FindCommand(words.front(), " (help lists them)");
   words.erase(words.begin());
-  Arguments arguments(std::move(words), command->name + " " + command->arguments);
-  command->run(console, arguments);
+  Arguments arguments(std::move(words), command.name + " " + command.arguments);
+  Run(command, console, arguments);
   console.phone.platform().RunDue();
   ReportNews(console);
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "CallLogRecords.h"
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
 
@@ -13,7 +15,7 @@ struct Command {
   std::string name;
   std::string arguments;  // as help shows them
   std::string help;       // one line
-  void (*run)(Console& console, Arguments& arguments);
+  std::variant<void (*)(Console&), void (*)(Console&, Arguments&)> run;
 };
 
 struct CommandGroup {
@@ -23,13 +25,14 @@ struct CommandGroup {
 
 const std::vector<CommandGroup>& AllCommands();
 
-// Null when there is no such command.
-const Command* FindCommand(const std::string& name);
-
 // Carries out one line and prints what came of it; throws CommandError for a wrong one.
 void RunCommand(Console& console, const std::string& line);
 
-// The groups, each in its own file.
+// The page that the next words of a command ask for, which are its last: the first row, and how
+// many.
+CallLogSimpleListData ParsePage(Arguments& arguments, int rows);
+
+// The groups that have files of their own.
 CommandGroup CallCommands();
 CommandGroup ListCommands();
 CommandGroup SearchCommands();
@@ -37,6 +40,5 @@ CommandGroup TalkCommands();
 CommandGroup ServerCommands();
 CommandGroup SettingCommands();
 CommandGroup TimeCommands();
-CommandGroup HelpCommands();
 
 }  // namespace desk

@@ -2,6 +2,7 @@
 #include "desktop/console/Console.h"
 
 #include "CallLog.h"
+#include "desktop/console/CommandLine.h"
 #include "desktop/console/Screen.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TransferUrl.h"
@@ -41,5 +42,13 @@ void PrintNews(std::ostream& out, const std::vector<News>& news) {
 }
 
 void ReportNews(Console& console) { PrintNews(console.out, console.phone.TakeNews()); }
+
+void SetTrace(Console& console, int level, const std::filesystem::path& file) {
+  Trace& trace = console.phone.platform().trace;
+  if (!file.empty() && !trace.SetFile(console.folder / file)) {
+    throw CommandError("cannot write to " + file.string());
+  }
+  trace.SetLevel(level);
+}
 
 }  // namespace desk

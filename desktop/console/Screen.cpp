@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "desktop/console/CallLists.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TimeText.h"
 
@@ -39,20 +40,37 @@ std::string Cell(const std::string& text) {
   return cell.substr(0, end) + "...";
 }
 
-void PrintRows(std::ostream& out, const std::string& title, std::size_t count,
-               const std::vector<std::vector<std::string>>& rows) {
-  out << "  " << title << ": " << count << (count == 1 ? " caller" : " callers") << "\n";
+std::string TypeCell(int type) { return type != 0 ? TypeName(type) : std::string(); }
+
+std::vector<std::string> Statuses(const Display& display) {
+  std::vector<std::string> statuses;
+  for (const auto& [id, text] : display.statuses) statuses.push_back(Printable(text));
+  return statuses;
+}
+
+// `more` says what stands in a row behind the caller.
+template <class Callers, class More>
+void PrintNewCalls(std::ostream& out, const char* kind, const Callers& callers, More more) {
+  Table rows;
+  for (const auto& row : callers) {
+    rows.push_back(
+        {std::to_string(row.count) + "x", Cell(row.display_name), Cell(row.number), more(row)});
+  }
+  out << "  new " << kind << " calls: " << Counted(rows.size(), "caller") << "\n";
   PrintTable(out, rows);
 }
 
 }  // namespace
 
+std::string Counted(std::size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string IdleLine(const Display& display) {
-  std::vector<std::string> parts;
-  for (const auto& [id, text] : display.statuses) parts.push_back(Printable(text));
+  std::vector<std::string> parts = Statuses(display);
   if (parts.empty()) parts.push_back("nothing new");
-  parts.push_back(display.ledEvents.empty() ? "LED off" : "LED on");
-  parts.push_back(display.backlightEvents.empty() ? "backlight off" : "backlight on");
+  parts.push_back(std::string("LED ") + OnOff(!display.ledEvents.empty()));
+  parts.push_back(std::string("backlight ") + OnOff(!display.backlightEvents.empty()));
   for (const auto& [action, title] : display.menuTitles) {
     parts.push_back("menu \"" + Printable(title) + "\"");
   }
@@ -61,19 +79,17 @@ std::string IdleLine(const Display& display) {
 
 void PrintIdleScreen(std::ostream& out, const Display& display, std::time_t now) {
   constexpr std::size_t kWidth = 36;
-  std::vector<std::string> statuses;
-  for (const auto& [id, text] : display.statuses) statuses.push_back(Printable(text));
   const std::string border = "  +" + std::string(kWidth + 2, '-') + "+\n";
   out << border;
-  for (const std::string& line : {FullTimeText(now, "  "), std::string(), Join(statuses)}) {
+  for (const std::string& line :
+       {FullTimeText(now, "  "), std::string(), Join(Statuses(display))}) {
     out << "  | " << Padded(line, kWidth) << " |\n";
   }
-  out << border;
-  out << "    LED " << (display.ledEvents.empty() ? "off" : "on") << "   backlight "
-      << (display.backlightEvents.empty() ? "off" : "on") << "\n";
+  out << border << "    LED " << OnOff(!display.ledEvents.empty()) << "   backlight "
+      << OnOff(!display.backlightEvents.empty()) << "\n";
 }
 
-void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows) {
+void PrintTable(std::ostream& out, const Table& rows) {
   std::vector<std::size_t> widths;
   for (const auto& row : rows) {
     widths.resize(std::max(widths.size(), row.size()));
@@ -88,26 +104,25 @@ void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& 
 }
 
 void PrintCallList(std::ostream& out, const std::string& title, const CallLogSimpleListData& page) {
-  out << "  " << title << ": " << page.total << (page.total == 1 ? " call" : " calls");
-  if (page.items.size() < static_cast<std::size_t>(page.total)) {
-    out << ", " << page.items.size() << " shown";
-  }
+  const auto total = static_cast<std::size_t>(page.total);
+  out << "  " << title << ": " << Counted(total, "call");
+  if (page.items.size() < total) out << ", " << page.items.size() << " shown";
   out << "\n";
-  std::vector<std::vector<std::string>> rows;
+  Table rows;
   int row = page.request_index;
   for (const CallLogSimpleData& item : page.items) {
-    const std::string type = item.type != 0 ? TypeName(item.type) : std::string();
-    rows.push_back({std::to_string(row++), type, Cell(item.time_text), Cell(item.display_name)});
+    rows.push_back({std::to_string(row++), TypeCell(item.type), Cell(item.time_text),
+                    Cell(item.display_name)});
   }
   PrintTable(out, rows);
 }
 
 void PrintDetail(std::ostream& out, const CallLogDetailData& detail) {
-  std::vector<std::vector<std::string>> rows;
+  Table rows;
   const auto add = [&](const char* name, const std::string& value) {
     if (!value.empty()) rows.push_back({name, Cell(value)});
   };
-  add("type", detail.type != 0 ? TypeName(detail.type) : std::string());
+  add("type", TypeCell(detail.type));
   add("name", detail.display_name);
   add("number", detail.number);
   add("country code", detail.country_code);
@@ -119,31 +134,13 @@ void PrintDetail(std::ostream& out, const CallLogDetailData& detail) {
 }
 
 void PrintMissed(std::ostream& out, const MissedNotifyListData& list) {
-  std::vector<std::vector<std::string>> rows;
-  for (const MissedCallData& row : list.items) {
-    rows.push_back({std::to_string(row.count) + "x", Cell(row.display_name), Cell(row.number)});
-  }
-  PrintRows(out, "new missed calls", list.items.size(), rows);
+  PrintNewCalls(out, "missed", list.items, [](const MissedCallData&) { return std::string(); });
 }
 
 void PrintForwarded(std::ostream& out, const ForwardedNotifyList& list) {
-  std::vector<std::vector<std::string>> rows;
-  for (const ForwardedCallData& row : list.items) {
-    rows.push_back({std::to_string(row.count) + "x", Cell(row.display_name), Cell(row.number),
-                    "to " + Cell(row.forward_display_name)});
-  }
-  PrintRows(out, "new forwarded calls", list.items.size(), rows);
-}
-
-std::string TypeName(int type) {
-  switch (type) {
-    case 0: return "all";
-    case 1: return "outgoing";
-    case 2: return "missed";
-    case 3: return "received";
-    case 4: return "forwarded";
-    default: return std::to_string(type);
-  }
+  PrintNewCalls(out, "forwarded", list.items, [](const ForwardedCallData& row) {
+    return "to " + Cell(row.forward_display_name);
+  });
 }
 
 }  // namespace desk

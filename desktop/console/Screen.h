@@ -11,6 +11,13 @@
 
 namespace desk {
 
+using Table = std::vector<std::vector<std::string>>;  // rows of cells
+
+inline const char* OnOff(bool on) { return on ? "on" : "off"; }
+
+// "1 call", "2 calls".
+std::string Counted(std::size_t count, const std::string& what);
+
 // "1 Missed, LED on, backlight on": the idle screen in one line.
 std::string IdleLine(const Display& display);
 
@@ -25,10 +32,7 @@ void PrintDetail(std::ostream& out, const CallLogDetailData& detail);
 void PrintMissed(std::ostream& out, const MissedNotifyListData& list);
 void PrintForwarded(std::ostream& out, const ForwardedNotifyList& list);
 
-// Rows of cells in columns as wide as their widest cell, as a terminal shows it.
-void PrintTable(std::ostream& out, const std::vector<std::vector<std::string>>& rows);
-
-// "outgoing", "missed" ...; the number for any other type.
-std::string TypeName(int type);
+// In columns as wide as their widest cell, as a terminal shows it.
+void PrintTable(std::ostream& out, const Table& rows);
 
 }  // namespace desk

@@ -1,5 +1,6 @@
 // Commands that search the history, and change the names in it.
 #include "CallLog.h"
+#include "desktop/console/CallLists.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/Screen.h"
 #include "desktop/platform/Text.h"
@@ -7,13 +8,11 @@
 namespace desk {
 namespace {
 
-using NS_CALLLOG::CCallLogController;
-
 constexpr int kRowsShown = 10;
 
 template <class Page>
 void PrintHits(std::ostream& out, const Page& page) {
-  std::vector<std::vector<std::string>> rows;
+  Table rows;
   int row = page.request_index;
   for (const auto& item : page.items) {
     rows.push_back({std::to_string(row++), Printable(item.display_name), Printable(item.number)});
@@ -24,42 +23,35 @@ void PrintHits(std::ostream& out, const Page& page) {
 // Key by key, as the search page of a phone asks: each key narrows the list.
 void Search(Console& console, Arguments& arguments) {
   const std::string key = arguments.Word("the key");
-  const int first = ParseInt(arguments.WordOr("0"), "the first row");
+  const int first = arguments.IntOr("the first row", 0);
   arguments.Done();
   CallLogSearchListData page;
   for (std::string_view rest = key; !rest.empty();) {
     TakeCharacter(&rest);
     const std::string typed = key.substr(0, key.size() - rest.size());
-    page = CallLogSearchListData();
+    page.Reset();
     page.request_index = rest.empty() ? first : 0;
     page.request_count = kRowsShown;
-    if (CallLog_Search(&page, typed) != 1) {
-      console.out << "  no such page\n";
-      return;
-    }
-    console.out << "  " << Printable(typed) << ": " << page.total
-                << (page.total == 1 ? " hit\n" : " hits\n");
+    if (CallLog_Search(&page, typed) != 1) return console.Say("no such page");
+    console.Say(Printable(typed) + ": " + Counted(static_cast<std::size_t>(page.total), "hit"));
   }
   PrintHits(console.out, page);
 }
 
 template <class Page>
-void PrintDialled(std::ostream& out, int (*search)(Page*)) {
+void PrintDialled(Console& console, int (*search)(Page*)) {
   Page page;
   page.request_count = kRowsShown * 10;
-  const int total = search(&page) == 1 ? page.total : 0;
-  out << "  most dialled: " << total << (total == 1 ? " number\n" : " numbers\n");
-  PrintHits(out, page);
+  const auto total = static_cast<std::size_t>(search(&page) == 1 ? page.total : 0);
+  console.Say("most dialled: " + Counted(total, "number"));
+  PrintHits(console.out, page);
 }
 
 void Dialled(Console& console, Arguments& arguments) {
   const bool cut = arguments.WordOr("all") == "top";
   arguments.Done();
-  if (cut) {
-    PrintDialled(console.out, CallLog_SuperSearchRecentOutCall);
-  } else {
-    PrintDialled(console.out, CallLog_SearchRecentOutCall);
-  }
+  return cut ? PrintDialled(console, CallLog_SuperSearchRecentOutCall)
+             : PrintDialled(console, CallLog_SearchRecentOutCall);
 }
 
 // Tells the module what a phone's directory tells it of one contact: three numbers at a time.
@@ -83,30 +75,27 @@ void Rename(Console& console, Arguments& arguments) {
   if (const Contact* contact = contacts.FindByNumber(number)) numbers = contact->numbers;
   contacts.Rename(number, name);
   ReportRenamed(numbers, name);
-  console.out << "  " << numbers.size() << (numbers.size() == 1 ? " number" : " numbers")
-              << (name.empty() ? " without a name now\n" : " renamed\n");
+  console.Say(Counted(numbers.size(), "number") +
+              (name.empty() ? " without a name now" : " renamed"));
 }
 
 // The directory was loaded anew: every name in it is handed over at once.
-void RefreshNames(Console& console, Arguments& arguments) {
-  arguments.Done();
+void RefreshNames(Console& console) {
   std::list<SuperSearchItemData> names;
   for (const Contact& contact : console.phone.platform().contacts.All()) {
     for (const std::string& number : contact.numbers) {
-      SuperSearchItemData entry;
+      SuperSearchItemData& entry = names.emplace_back();
       entry.display_name = contact.name;
       entry.number = number;
-      names.push_back(entry);
     }
   }
-  CCallLogController::GetInstance()->UpdateDispName(names);
-  console.out << "  " << names.size() << " numbers handed over\n";
+  History().UpdateDispName(names);
+  console.Say(std::to_string(names.size()) + " numbers handed over");
 }
 
-void ForgetNames(Console& console, Arguments& arguments) {
-  arguments.Done();
+void ForgetNames(Console& console) {
   CallLog_ResetLogContactName();
-  console.out << "  every call shows its number\n";
+  console.Say("every call shows its number");
 }
 
 }  // namespace

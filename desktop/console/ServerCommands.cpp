@@ -26,9 +26,8 @@ std::string Place(const BroadSoftConfigItem& source) {
          (source.user_name.empty() ? "" : "  " + Printable("as " + source.user_name));
 }
 
-void Sources(Console& console, Arguments& arguments) {
-  arguments.Done();
-  std::vector<std::vector<std::string>> rows;
+void Sources(Console& console) {
+  Table rows;
   for (int i = 0; i < Controller().GetTotalConfigurableItemCount(); ++i) {
     const BroadSoftConfigItem& source = *Controller().GetConfigDataByIndex(i);
     rows.push_back({std::to_string(i),
@@ -36,16 +35,15 @@ void Sources(Console& console, Arguments& arguments) {
                     Place(source)});
   }
   const std::string name = CallLog_GetBSCallLogDisplayName();
-  console.out << "  server call logs are "
-              << (CallLog_IsBroadSoftCallLogConfigured() == 1 ? "shown" : "not shown")
-              << (name.empty() ? "" : " as \"" + Printable(name) + "\"") << "\n";
+  const bool shown = CallLog_IsBroadSoftCallLogConfigured() == 1;
+  console.Say(std::string("server call logs are ") + (shown ? "shown" : "not shown") +
+              (name.empty() ? "" : " as \"" + Printable(name) + "\""));
   PrintTable(console.out, rows);
 }
 
-// What an answer means; empty when the page was filled.
+// What an answer without a page means.
 std::string Explain(int result) {
   switch (result) {
-    case NS_CALLLOG::BS_LIST_OK: return {};
     case NS_CALLLOG::BS_LIST_DOWNLOADING: return "downloading; the phone says when it is there";
     case NS_CALLLOG::BS_LIST_FAILED: return "the download could not be started";
     case NS_CALLLOG::BS_LIST_NOT_CONFIGURED: return "no such source, or it has no server";
@@ -54,19 +52,15 @@ std::string Explain(int result) {
   }
 }
 
-// A click action with brackets stays as it is.
-std::string SourceAction(const std::string& source) {
-  if (source.find('(') != std::string::npos) return source;
-  return "OpenCallLogPage(broadsoft_calllog_" + std::to_string(ParseInt(source, "the source")) +
-         ")";
-}
-
-// A hand can have written a source into the file that leads elsewhere, or to nobody.
-void CheckSource(const std::string& word) {
-  if (word.find('(') != std::string::npos) return;
-  const auto* const source = Controller().GetConfigDataByIndex(ParseInt(word, "the source"));
+// The click action that opens a source's list; one with brackets is taken as it is. A hand can have
+// written a source into the file that leads elsewhere, or to nobody.
+std::string SourceAction(const std::string& word) {
+  if (word.find('(') != std::string::npos) return word;
+  const int index = ParseInt(word, "the source");
+  const auto* const source = Controller().GetConfigDataByIndex(index);
   const std::string refusal = source != nullptr ? WhyUnusable(*source) : std::string();
   if (!refusal.empty()) throw CommandError("source " + word + " cannot be used: " + refusal);
+  return "OpenCallLogPage(broadsoft_calllog_" + std::to_string(index) + ")";
 }
 
 // What is typed arrives as it was typed, unless it is written as in a URL.
@@ -75,51 +69,38 @@ std::string QueryFor(const std::string& typed) {
 }
 
 void Server(Console& console, Arguments& arguments) {
-  arguments.AllowOptions({"query", "refresh"});
   const std::string source = arguments.Word("the source");
-  CallLogSimpleListData page;
-  page.request_index = ParseInt(arguments.WordOr("0"), "the first row");
-  page.request_count = ParseInt(arguments.WordOr("20"), "the number of rows");
-  arguments.Done();
-  const bool refresh = ParseSwitch(arguments.Option("refresh", "off"));
-  CheckSource(source);
+  CallLogSimpleListData page = ParsePage(arguments, 20);
+  const bool refresh = ParseEither(arguments.Option("refresh", "off"), "on", "off");
   const int result = Controller().GetLogListByClickAction(
       &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
-  if (result == NS_CALLLOG::BS_LIST_OK) {
-    PrintCallList(console.out, "source " + Printable(source), page);
-  } else {
-    console.out << "  " << Explain(result) << "\n";
-  }
+  if (result != NS_CALLLOG::BS_LIST_OK) return console.Say(Explain(result));
+  PrintCallList(console.out, "source " + Printable(source), page);
 }
 
 void Entry(Console& console, Arguments& arguments) {
-  const int row = ParseInt(arguments.Word("the row"), "the row");
+  const int row = arguments.Int("the row");
   arguments.Done();
   CallLogDetailData detail;
-  if (Controller().GetLogDetailByIndex(&detail, row)) {
-    PrintDetail(console.out, detail);
-  } else {
-    console.out << "  no such row\n";
+  if (!Controller().GetLogDetailByIndex(&detail, row)) return console.Say("no such row");
+  PrintDetail(console.out, detail);
+}
+
+void Cancel(Console& console) {
+  console.Say(Controller().CancelDownload() ? "cancelled; the next request fetches it anew"
+                                            : "no list was asked for");
+}
+
+void Await(Console& console) {
+  if (!console.phone.AwaitTransfers()) {
+    console.Say("the wait was interrupted; the download goes on");
   }
 }
 
-void Cancel(Console& console, Arguments& arguments) {
-  arguments.Done();
-  console.out << (Controller().CancelDownload() ? "  cancelled; the next request fetches it anew\n"
-                                                : "  no list was asked for\n");
-}
-
-void Await(Console& console, Arguments& arguments) {
-  arguments.Done();
-  if (!console.phone.AwaitTransfers())
-    console.out << "  the wait was interrupted; the download goes on\n";
-}
-
 void Source(Console& console, Arguments& arguments) {
-  arguments.AllowOptions({"name", "server", "port", "user", "password"});
-  const int index = ParseInt(arguments.Word("the source"), "the source");
+  const int index = arguments.Int("the source");
   arguments.Done();
-  const BroadSoftConfigItem* const present = Controller().GetConfigDataByIndex(index);
+  const auto* const present = Controller().GetConfigDataByIndex(index);
   if (present == nullptr) throw CommandError("no source " + std::to_string(index));
   BroadSoftConfigItem source = *present;
   source.name = arguments.Option("name", source.name);
@@ -130,15 +111,13 @@ void Source(Console& console, Arguments& arguments) {
   const std::string refusal = WhyUnusable(source);
   if (!refusal.empty()) throw CommandError(refusal);
   Controller().SetConfigDataByIndex(index, source);
-  console.out << "  source " << index << " is set\n";
+  console.Say("source " + std::to_string(index) + " is set");
 }
 
-void Reload(Console& console, Arguments& arguments) {
-  arguments.Done();
+void Reload(Console& console) {
   const bool loaded = Controller().ReloadBSCallLogConfig();
-  console.out << (loaded ? "  " + std::to_string(Controller().GetTotalConfigurableItemCount()) +
-                               " sources\n"
-                         : "  the file cannot be read; there are no sources\n");
+  console.Say(loaded ? std::to_string(Controller().GetTotalConfigurableItemCount()) + " sources"
+                     : "the file cannot be read; there are no sources");
 }
 
 // The module takes the name from its file only: a phone's provisioning writes it there.
@@ -146,11 +125,12 @@ void DisplayName(Console& console, Arguments& arguments) {
   const std::string name = arguments.WordOr("");
   arguments.Done();
   Controller();  // creates the file when there is none
-  TiXmlDocument file(console.phone.SourcesFile().string());
+  const std::string path = console.phone.SourcesFile();
+  TiXmlDocument file(path);
   TiXmlElement* const root = file.LoadFile() ? file.RootElement() : nullptr;
-  if (root == nullptr) throw CommandError("cannot read " + console.phone.SourcesFile().string());
+  if (root == nullptr) throw CommandError("cannot read " + path);
   root->SetAttribute("display_name", name.c_str());
-  if (!file.SaveFile()) throw CommandError("cannot write " + console.phone.SourcesFile().string());
+  if (!file.SaveFile()) throw CommandError("cannot write " + path);
   Controller().ReloadBSCallLogConfig();
 }
 

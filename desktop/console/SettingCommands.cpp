@@ -1,4 +1,5 @@
-// Commands for the phone's settings, its file and its power.
+// Commands for the phone's settings, its file, its power and its clocks.
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <fstream>
@@ -6,42 +7,41 @@
 #include "CallLog.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/Screen.h"
+#include "desktop/console/TimeInput.h"
 #include "desktop/platform/Text.h"
+#include "desktop/platform/TimeText.h"
 
 namespace desk {
 namespace {
 
-const char* OnOff(bool on) { return on ? "on" : "off"; }
-
 void Config(Console& console, Arguments& arguments) {
   auto& config = console.phone.platform().config;
   if (!arguments.HasWord()) {
-    for (const auto& [key, value] : config) console.out << "  " << key << " = " << value << "\n";
+    for (const auto& [key, value] : config) console.Say(key + " = " + std::to_string(value));
     return;
   }
   const std::string key = arguments.Word("the key");
-  if (arguments.HasWord()) config[key] = ParseInt(arguments.Word("the value"), "the value");
+  if (arguments.HasWord()) config[key] = arguments.Int("the value");
   arguments.Done();
   const auto found = config.find(key);
-  console.out << "  " << Printable(key) << " = "
-              << (found != config.end() ? std::to_string(found->second) : "(not set)") << "\n";
+  console.Say(Printable(key) + " = " +
+              (found != config.end() ? std::to_string(found->second) : "(not set)"));
+}
+
+void SetAccount(Accounts& accounts, Arguments& arguments) {
+  const std::string name = arguments.Word("the account");
+  Account* const account = accounts.Find(name);
+  if (account == nullptr) throw CommandError("no account \"" + name + "\"");
+  bool& setting = arguments.Either("usable", "missed") ? account->usable : account->keeps_missed;
+  const bool on = arguments.Either("on", "off");
+  arguments.Done();
+  setting = on;
 }
 
 void AccountSwitch(Console& console, Arguments& arguments) {
   Accounts& accounts = console.phone.platform().accounts;
-  if (arguments.HasWord()) {
-    const std::string name = arguments.Word("the account");
-    Account* const account = accounts.Find(name);
-    if (account == nullptr) throw CommandError("no account \"" + name + "\"");
-    const std::string what = arguments.Word("usable or missed");
-    if (what != "usable" && what != "missed") {
-      throw CommandError("usable or missed is wanted, not \"" + what + "\"");
-    }
-    (what == "usable" ? account->usable : account->keeps_missed) =
-        ParseSwitch(arguments.Word("on or off"));
-    arguments.Done();
-  }
-  std::vector<std::vector<std::string>> rows;
+  if (arguments.HasWord()) SetAccount(accounts, arguments);
+  Table rows;
   for (const Account& account : accounts.All()) {
     rows.push_back({std::to_string(account.id), account.FullName(),
                     std::string("usable ") + OnOff(account.usable),
@@ -50,9 +50,8 @@ void AccountSwitch(Console& console, Arguments& arguments) {
   PrintTable(console.out, rows);
 }
 
-void ShowContacts(Console& console, Arguments& arguments) {
-  arguments.Done();
-  std::vector<std::vector<std::string>> rows;
+void ShowContacts(Console& console) {
+  Table rows;
   for (const Contact& contact : console.phone.platform().contacts.All()) {
     std::string numbers;
     for (const std::string& number : contact.numbers) numbers += Printable(number) + " ";
@@ -62,35 +61,26 @@ void ShowContacts(Console& console, Arguments& arguments) {
 }
 
 void Network(Console& console, Arguments& arguments) {
-  if (arguments.HasWord()) {
-    console.phone.platform().networkUp = ParseSwitch(arguments.Word("on or off"));
-  }
+  bool& up = console.phone.platform().networkUp;
+  if (arguments.HasWord()) up = arguments.Either("on", "off");
   arguments.Done();
-  console.out << "  network " << OnOff(console.phone.platform().networkUp) << "\n";
+  console.Say(std::string("network ") + OnOff(up));
 }
 
-void Save(Console& console, Arguments& arguments) {
-  arguments.Done();
-  console.out << (console.phone.Save() ? "  saved\n" : "  nothing to save\n");
-}
+void Save(Console& console) { console.Say(console.phone.Save() ? "saved" : "nothing to save"); }
 
-void ShowFile(Console& console, Arguments& arguments) {
-  arguments.Done();
+void ShowFile(Console& console) {
   std::ifstream file(console.phone.HistoryFile());
-  if (!file) {
-    console.out << "  there is no history file yet\n";
-    return;
-  }
+  if (!file) return console.Say("there is no history file yet");
   for (std::string line; std::getline(file, line);) {
-    const bool indented = !line.empty() && line.front() == '\t';
-    console.out << (indented ? "    " : "  ") << Printable(line.substr(indented ? 1 : 0)) << "\n";
+    if (!line.empty() && line.front() == '\t') line.replace(0, 1, "  ");
+    console.Say(Printable(line));
   }
 }
 
-void PowerCycle(Console& console, Arguments& arguments) {
-  arguments.Done();
+void PowerCycle(Console& console) {
   console.phone.PowerCycle();
-  console.out << "  the phone has started again\n";
+  console.Say("the phone has started again");
 }
 
 // The platform's broadcast that a configuration item has changed, 0x28 or 0x47 for this module.
@@ -104,33 +94,54 @@ void Broadcast(Console& console, Arguments& arguments) {
   }
   const auto reply = console.phone.platform().loop.Send(
       {BROAD_MSG_CONFIG_CHANGE, static_cast<unsigned int>(value), 0, {}});
-  console.out << (reply ? "  replied " + std::to_string(*reply) : "  no reply") << "\n";
+  console.Say(reply ? "replied " + std::to_string(*reply) : "no reply");
 }
 
 void ShowJournal(Console& console, Arguments& arguments) {
   const std::string what = arguments.WordOr("20");
   arguments.Done();
   Journal& journal = console.phone.platform().journal;
-  if (what == "clear") {
-    journal.Clear();
-    return;
-  }
-  const int wanted = ParseInt(what, "the number of lines");
+  if (what == "clear") return journal.Clear();
   const std::vector<std::string> lines = journal.Lines();
-  const std::size_t count = wanted < 0 ? 0 : static_cast<std::size_t>(wanted);
-  for (std::size_t i = lines.size() > count ? lines.size() - count : 0; i < lines.size(); ++i) {
-    console.out << "  " << Printable(lines[i]) << "\n";
+  const int count =
+      std::clamp(ParseInt(what, "the number of lines"), 0, static_cast<int>(lines.size()));
+  for (auto line = lines.end() - count; line != lines.end(); ++line) console.Say(Printable(*line));
+}
+
+void TraceTo(Console& console, Arguments& arguments) {
+  const int level = arguments.Int("the level");
+  const std::string file = arguments.WordOr("");
+  arguments.Done();
+  SetTrace(console, level, file);
+}
+
+void PrintClock(Console& console) {
+  console.Say(FullTimeText(console.phone.platform().clock().Wall(), " "));
+}
+
+void Wait(Console& console, Arguments& arguments) {
+  const Milliseconds span = ParseSpan(arguments.Word("how long"));
+  arguments.Done();
+  if (!console.phone.Wait(span, [&] { ReportNews(console); })) {
+    console.Say("the wait was interrupted");
   }
 }
 
-void SetTrace(Console& console, Arguments& arguments) {
-  Trace& trace = console.phone.platform().trace;
-  const int level = ParseInt(arguments.Word("the level"), "the level");
-  const std::string file = arguments.WordOr("");
+void WallClock(Console& console, Arguments& arguments) {
+  if (arguments.HasWord()) {
+    const std::time_t time = ParseLocalTime(arguments.Word("the time"));
+    arguments.Done();
+    ManualClock* const clock = console.phone.platform().manualClock();
+    if (clock == nullptr) throw CommandError("the clock is the machine's; a script has its own");
+    clock->SetWall(time);
+  }
+  PrintClock(console);
+}
+
+void TimeZone(Console& console, Arguments& arguments) {
+  SetTimeZone(arguments.Word("the time zone"));
   arguments.Done();
-  if (!file.empty() && !trace.SetFile(console.folder / file))
-    throw CommandError("cannot write to " + file);
-  trace.SetLevel(level);
+  PrintClock(console);
 }
 
 }  // namespace
@@ -150,8 +161,17 @@ CommandGroup SettingCommands() {
           {"broadcast", "ITEM",
            "a configuration item changed: 0x28 the server sources, 0x47 a removal", Broadcast},
           {"journal", "[LINES | clear]", "what the module asked the platform to do", ShowJournal},
-          {"trace", "LEVEL [FILE]", "writes the trace out up to a level; 0 stops it", SetTrace},
+          {"trace", "LEVEL [FILE]", "writes the trace out up to a level; 0 stops it", TraceTo},
       }};
+}
+
+CommandGroup TimeCommands() {
+  return {"Time",
+          {
+              {"wait", "SPAN", "lets time pass, such as 5s or 2h; at once in a script", Wait},
+              {"clock", "[TIME]", "the wall clock; a script can set it", WallClock},
+              {"timezone", "ZONE", "another time zone, such as Europe/Berlin", TimeZone},
+          }};
 }
 
 }  // namespace desk

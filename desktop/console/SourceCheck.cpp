@@ -1,6 +1,7 @@
 // What may not stand in a field, since the URL would end the field there or its file would lose it.
 #include "desktop/console/SourceCheck.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "desktop/platform/Text.h"
@@ -10,7 +11,6 @@
 namespace desk {
 namespace {
 
-constexpr std::string_view kSchemeEnd = "://";
 constexpr int kLastPort = 65535;
 
 // The first that stands in the text; empty when there is none.
@@ -33,25 +33,8 @@ std::string_view FirstNoText(std::string_view text) {
   return {};
 }
 
-// The server with the port where the module puts it.
-struct Address {
-  std::string scheme = "http";
-  std::string host;
-  std::string path;
-
-  explicit Address(const std::string& server) {
-    const std::size_t schemeEnd = server.find(kSchemeEnd);
-    const std::size_t start = schemeEnd == server.npos ? 0 : schemeEnd + kSchemeEnd.size();
-    if (schemeEnd != server.npos) scheme = server.substr(0, schemeEnd);
-    host = server.substr(start, server.find('/', start) - start);
-    path = server.substr(start + host.size());
-  }
-};
-
-}  // namespace
-
-std::string WhyUnusable(const BroadSoftConfigItem& source) {
-  const Address address(source.server);
+// Why not a field; empty when all of them can be used.
+std::string WhyUnusableField(const BroadSoftConfigItem& source, std::string_view host) {
   const struct {
     const char* what;
     std::string_view text;
@@ -60,7 +43,7 @@ std::string WhyUnusable(const BroadSoftConfigItem& source) {
       {"name", source.name, {}},
       {"user", source.user_name, {"/", ":", kNameQuery}},
       {"password", source.password, {"/", kNameQuery}},
-      {"server's host", address.host, {"@", "?", " ", "\t", "\n", "\r", "\x7F"}},
+      {"server's host", host, {"@", "?", " ", "\t", "\n", "\r", "\x7F"}},
       {"server", source.server, {"#", "\t", "\n", "\r", "\x7F"}},
   };
   for (const auto& field : kFields) {
@@ -68,12 +51,24 @@ std::string WhyUnusable(const BroadSoftConfigItem& source) {
     if (found.empty()) found = FirstNoText(field.text);
     if (!found.empty()) return Format("a %s cannot hold \"", field.what) + Printable(found) + "\"";
   }
+  return {};
+}
+
+}  // namespace
+
+std::string WhyUnusable(const BroadSoftConfigItem& source) {
+  const std::string_view server = source.server;
+  const std::size_t scheme = server.find("://");
+  const std::size_t start = scheme == server.npos ? 0 : scheme + 3;
+  const std::size_t end = std::min(server.find('/', start), server.size());
+  const std::string refusal = WhyUnusableField(source, server.substr(start, end - start));
+  if (!refusal.empty()) return refusal;
   if (!source.port.empty() && !WholeNumber(source.port, 1, kLastPort)) {
     return "the port must be a number from 1 to 65535, not \"" + Printable(source.port) + "\"";
   }
   const std::string port = source.port.empty() ? "" : ":" + source.port;
-  const std::string url = address.scheme + "://" + address.host + port + address.path;
-  if (!source.server.empty() && !SplitUrl(url)) {
+  const std::string url = std::string(source.server).insert(end, port);
+  if (!server.empty() && !SplitUrl((start == 0 ? "http://" : "") + url)) {
     return "nothing can be fetched from \"" + Printable(source.server + port) + "\"";
   }
   return {};

@@ -5,7 +5,10 @@
 #include <utility>
 
 #include "CallLog.h"
+#include "CallTypes.h"
+#include "desktop/platform/Text.h"
 #include "guard/RestartHistory.h"
+#include "platform/ConfigParser.h"
 
 namespace desk {
 
@@ -39,7 +42,6 @@ void Phone::PowerOn() {
 
 void Phone::PowerCycle() {
   CBSCallLogController::ReleaseInstance();
-  CBSCallLogController::ReleaseInstance();
   CCallLogController::ReleaseInstance();
   platform_.PowerCycle();
   shown_ = Display();
@@ -63,6 +65,23 @@ void Phone::NoteGuard(HistoryGuard::Outcome outcome) {
   if (outcome != HistoryGuard::Outcome::kGood) guardNotes_.push_back(outcome);
 }
 
+// The module only says that it refused a call; the reasons are in what it asked the phone.
+std::string Phone::AddCall(const CallLogAddItemData& call) {
+  if (CallLog_AddLog(call) == 0) return {};
+  if (configParser_GetConfigInt("HistorySavedSwitch") != 1) {
+    return "the history is switched off (HistorySavedSwitch is not 1)";
+  }
+  const std::string name = call.local_sip_name + "@" + call.local_sip_server;
+  const Account* const account = platform_.accounts.FindByFullName(name);
+  if (call.type == NS_CALLLOG::kMissed && account != nullptr && !account->keeps_missed) {
+    return "the account " + Printable(name) + " keeps no missed calls";
+  }
+  if (call.type < NS_CALLLOG::kOutgoing || call.type > NS_CALLLOG::kForwarded) {
+    return "a call is outgoing, missed, received or forwarded";
+  }
+  return "out of memory";
+}
+
 bool Phone::Wait(Milliseconds span, const std::function<void()>& eachTime) {
   if (platform_.manualClock() != nullptr) {
     platform_.Advance(span);
@@ -73,10 +92,9 @@ bool Phone::Wait(Milliseconds span, const std::function<void()>& eachTime) {
     platform_.RunDue();
     eachTime();
     if (interrupted()) return false;
-    const Milliseconds left = end - platform_.clock().Monotonic();
-    if (left.count() <= 0) return true;
-    const Milliseconds due = platform_.timers.NextDue().value_or(end);
-    platform_.loop.WaitForPost(std::min(left, due - platform_.clock().Monotonic()));
+    const Milliseconds now = platform_.clock().Monotonic();
+    if (now >= end) return true;
+    platform_.loop.WaitForPost(std::min(end, platform_.timers.NextDue().value_or(end)) - now);
   }
 }
 

@@ -5,10 +5,12 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 #include <system_error>
 #include <variant>
 #include <vector>
 
+#include "CallLogRecords.h"
 #include "desktop/phone/RootDirectory.h"
 #include "desktop/platform/Platform.h"
 #include "guard/HistoryGuard.h"
@@ -39,6 +41,9 @@ class Phone {
 
   // Saves what has changed, as before a planned restart. False when there was nothing to save.
   bool Save();
+
+  // Brings a finished call into the history. Empty, or in a few words why it is not kept.
+  std::string AddCall(const CallLogAddItemData& call);
 
   // Lets time pass: at once with a manual clock, really otherwise, with a call of `eachTime` when
   // something may have happened. False when it was interrupted.

@@ -27,23 +27,29 @@ RootError Unusable(const fs::path& path, const std::string& reason) {
   return RootError("cannot use " + path.string() + ": " + reason);
 }
 
+std::vector<fs::path> EntriesOf(const fs::path& folder, std::error_code& error) {
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator next(folder, error), end; !error && next != end;
+       next.increment(error)) {
+    entries.push_back(next->path());
+  }
+  return entries;
+}
+
 // A phone's directory: it holds a phone's files, or nothing but what a first start makes, which
 // makes the lock first. An empty one can become one.
 bool MayBePhones(const fs::path& root) {
   static const std::set<fs::path> kMade = {"commands", "config", "lock", "tmp"};
-  for (const char* file : {"call_data.xml", "broadsoft_calllog_list.xml"}) {
-    std::error_code ignored;
-    if (fs::exists(fs::symlink_status(root / "config/data" / file, ignored))) return true;
-  }
   std::error_code error;
-  std::set<fs::path> found;
-  for (fs::directory_iterator next(root, error), end; !error && next != end;
-       next.increment(error)) {
-    found.insert(next->path().filename());
+  for (const char* file : {"call_data.xml", "broadsoft_calllog_list.xml"}) {
+    if (fs::exists(fs::symlink_status(root / "config/data" / file, error))) return true;
   }
+  const std::vector<fs::path> entries = EntriesOf(root, error);
   if (error) throw Unusable(root, error.message());
-  const bool others = !std::includes(kMade.begin(), kMade.end(), found.begin(), found.end());
-  return found.empty() || (!others && fs::is_regular_file(fs::symlink_status(root / "lock")));
+  const bool others = std::any_of(entries.begin(), entries.end(), [](const fs::path& entry) {
+    return kMade.count(entry.filename()) == 0;
+  });
+  return entries.empty() || (!others && fs::is_regular_file(fs::symlink_status(root / "lock")));
 }
 
 void Make(const fs::path& root, const fs::path& folder) {
@@ -60,28 +66,26 @@ bool Close(const fs::path& path, std::error_code& error) {
   return !error;
 }
 
+void CloseIfFile(const fs::path& path) {
+  std::error_code ignored;
+  if (fs::is_regular_file(fs::symlink_status(path, ignored))) Close(path, ignored);
+}
+
 // With the files in it, but for links, which may lead anywhere. False for what is no folder itself.
 bool CloseFolder(const fs::path& folder) {
   std::error_code ignored;
   if (!fs::is_directory(fs::symlink_status(folder, ignored))) return false;
   Close(folder, ignored);
-  std::error_code error;
-  for (fs::directory_iterator next(folder, error), end; !error && next != end;
-       next.increment(error)) {
-    if (fs::is_regular_file(next->symlink_status(ignored))) Close(next->path(), ignored);
-  }
+  for (const fs::path& entry : EntriesOf(folder, ignored)) CloseIfFile(entry);
   return true;
 }
 
 // What stands there may be what others have put there as long as they could: a link, or a file of
 // theirs, leads the calls and passwords to them.
 void RefuseForeign(const fs::path& root) {
-  std::vector<fs::path> entries = {root / "lock", root / "config", root / "tmp",
-                                   root / "config/data"};
   std::error_code ignored;
-  for (const auto& file : fs::directory_iterator(root / "config/data", ignored)) {
-    entries.push_back(file.path());
-  }
+  std::vector<fs::path> entries = EntriesOf(root / "config/data", ignored);
+  for (const char* own : {"lock", "config", "tmp", "config/data"}) entries.push_back(root / own);
   for (const fs::path& entry : entries) {
     struct stat status = {};
     if (lstat(entry.c_str(), &status) != 0) continue;
@@ -100,23 +104,13 @@ bool CloseRoot(const fs::path& root) {
   if (error) throw Unusable(root, "it stays open to other users: " + error.message());
   const fs::perms writable = fs::perms::group_write | fs::perms::others_write;
   if ((before & writable) != fs::perms::none) RefuseForeign(root);
-  for (const char* file : {"lock", "commands"}) {
-    if (fs::is_regular_file(fs::symlink_status(root / file, error))) Close(root / file, error);
-  }
+  for (const char* file : {"lock", "commands"}) CloseIfFile(root / file);
   if (CloseFolder(root / "config")) CloseFolder(root / "config/data");
   if (CloseFolder(root / "tmp")) PrivateFile::RemoveLeft(root / "tmp/BroadSoftCallLog.xml");
   return wasOpen;
 }
 
 }  // namespace
-
-RootDirectory::PrivateUmask::PrivateUmask() : before_(umask(S_IRWXG | S_IRWXO)) {}
-
-RootDirectory::PrivateUmask::~PrivateUmask() { umask(before_); }
-
-RootDirectory::Lock::~Lock() {
-  if (file_ >= 0) close(file_);
-}
 
 void RootDirectory::Lock::Take(const fs::path& root) {
   file_ = open((root / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
@@ -128,9 +122,8 @@ RootDirectory::RootDirectory(const fs::path& path) {
   std::error_code error;
   before_ = fs::current_path(error);
   path_ = fs::absolute(path, error);
-  const bool isThere = fs::exists(path_, error);
   const bool isOld = fs::is_directory(path_, error) && !fs::is_empty(path_, error);
-  if (isThere && !MayBePhones(path_)) {
+  if (fs::exists(path_, error) && !MayBePhones(path_)) {
     throw Unusable(path_,
                    "it holds other files and no phone; name a new directory or an empty one");
   }

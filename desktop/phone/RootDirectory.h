@@ -2,7 +2,8 @@
 // below the working directory of the process, so the phone moves there.
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <stdexcept>
@@ -36,16 +37,15 @@ class RootDirectory {
  private:
   class PrivateUmask {
    public:
-    PrivateUmask();
-    ~PrivateUmask();
+    ~PrivateUmask() { umask(before_); }
 
    private:
-    const mode_t before_;
+    const mode_t before_ = umask(S_IRWXG | S_IRWXO);
   };
 
   class Lock {
    public:
-    ~Lock();
+    ~Lock() { close(file_); }
     void Take(const std::filesystem::path& root);
 
    private:
