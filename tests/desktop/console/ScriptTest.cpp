@@ -4,9 +4,8 @@
 
 #include <sstream>
 
-#include "desktop/console/CallImport.h"
 #include "desktop/console/CommandLine.h"
-#include "desktop/console/Console.h"
+#include "desktop/console/Commands.h"
 #include "desktop/console/Script.h"
 #include "desktop/console/TimeInput.h"
 #include "tests/support/PhoneTest.h"
@@ -14,16 +13,18 @@
 namespace desk {
 namespace {
 
+const struct {
+  const char* line;
+  Strings words;
+} kLines[] = {
+    {" list\tall 0 ", {"list", "all", "0"}},
+    {"call name=\"Anna Berg\" #31#", {"call", "name=Anna Berg", "#31#"}},
+    {R"("a\"b\\c\n\xC3" 'd\n"')", {"a\"b\\c\n\xC3", "d\\n\""}},
+    {"a'b c'd \"\"", {"ab cd", ""}},
+};
+
 TEST(CommandLineTest, SplitsAtBlanksAndKeepsQuotes) {
-  const std::pair<const char*, Strings> rows[] = {
-      {"", {}},
-      {"  # call missed 1", {}},
-      {" list\tall 0 ", {"list", "all", "0"}},
-      {"call name=\"Anna Berg\" #31#", {"call", "name=Anna Berg", "#31#"}},
-      {R"("a\"b\\c\n\xC3" 'd\n"')", {"a\"b\\c\n\xC3", "d\\n\""}},
-      {"a'b c'd \"\"", {"ab cd", ""}},
-  };
-  for (const auto& [line, words] : rows) EXPECT_EQ(SplitWords(line), words) << line;
+  for (const auto& row : kLines) EXPECT_EQ(SplitWords(row.line), row.words) << row.line;
   for (const char* line : {"a \"b", "'", "\"\\", R"("\xC")", R"("\xGG")"}) {
     EXPECT_THROW(SplitWords(line), CommandError) << line;
   }
@@ -46,11 +47,25 @@ TEST(TimeInputTest, ReadsSpansAndTimes) {
 // A PBX's record of a call.
 constexpr char kMissedBy100[] =
     "\"\",200,300,ctx,Bo,PJSIP/200-1,PJSIP/100-2,Dial,,2026-05-04 00:00:10,,2026-05-04 "
-    "00:00:20,5,0,"
-    "NO ANSWER,DOCUMENTATION\n";
+    "00:00:20,5,0,NO ANSWER,DOCUMENTATION\n";
+
+constexpr char kWrongLines[] =
+    "bogus\ncall\ncall sideways 1\nlist all 0 1 2\ndetail missed x\ncall missed 2 name=a name=b\n"
+    "call missed \"3\nwait soon\nconfig HistorySavedSwitch on\ncdr nothing.csv 100\n";
+
+constexpr char kCallsNotKept[] =
+    "call all 1\naccount 100 missed off\ncdr records.csv 100\n"
+    "config HistorySavedSwitch 0\ncall missed 2\ndial 2\nhangup\n";
+const Strings kWhyNotKept = {
+    "  refused: a call is outgoing, missed, received or forwarded",
+    "  2 calls refused: the account 100@sip.example.org keeps no missed calls",
+    "  refused: the history is switched off (HistorySavedSwitch is not 1)",
+    "  it is not kept: the history is switched off (HistorySavedSwitch is not 1)"};
 
 class ScriptTest : public testing::Test {
  protected:
+  ScriptTest() { WriteFile(files.path() / "records.csv", Repeat(kMissedBy100, 2)); }
+
   // What the script prints; what it complains of goes to `errors`.
   std::string Run(const std::string& script) {
     std::ostringstream out;
@@ -58,7 +73,7 @@ class ScriptTest : public testing::Test {
     Profile profile;
     profile.accounts = {Account(0, "100", "sip.example.org")};
     Phone phone(root.path(), profile, std::make_unique<ManualClock>(0));
-    Console console{phone, out};
+    Console console{phone, out, files.path()};
     ReportNews(console);
     wrong = RunScript(console, lines, "script", errors);
     return out.str();
@@ -71,92 +86,39 @@ class ScriptTest : public testing::Test {
 };
 
 TEST_F(ScriptTest, WrongLinesAreNamedAndTheRestGoesOn) {
-  Run("call missed 1\n"
-      "bogus\n"
-      "call\n"
-      "call sideways 1\n"
-      "list all 0 1 2\n"
-      "detail missed x\n"
-      "call missed 2 name=a name=b\n"
-      "call missed \"3\n"
-      "wait soon\n"
-      "config HistorySavedSwitch on\n"
-      "cdr nothing.csv 100\n"
-      "call missed 4\r\n"
-      "quit\n"
-      "call missed 5\n");
+  Run(std::string("call missed 1\n") + kWrongLines + "call missed 4\r\nquit\ncall missed 5\n");
   EXPECT_EQ(wrong, 10);
-  std::istringstream lines(errors.str());
-  int number = 2;
-  for (std::string line; std::getline(lines, line); ++number) {
-    EXPECT_EQ(line.find("script:" + std::to_string(number) + ": "), 0u) << line;
-  }
-  EXPECT_EQ(number, 12);
-  const std::string next = Run("list\n");
-  EXPECT_NE(next.find("all: 2 calls"), std::string::npos) << next << "quitting saves";
+  EXPECT_EQ(errors.str().find("script:2: "), 0u) << errors.str();
+  EXPECT_NE(errors.str().find("\nscript:11: "), std::string::npos) << errors.str();
+  EXPECT_NE(Run("list\r\n").find("phone> list\n  all: 2 calls"), std::string::npos)
+      << "quitting saves";
 }
 
 TEST_F(ScriptTest, ACallThatIsNotKeptSaysWhy) {
-  const auto records = files.path() / "records.csv";
-  WriteFile(records, Repeat(kMissedBy100, 1000));
-  const std::string import = "cdr " + records.string() + " 100\n";
-  const std::string printed =
-      Run("call all 1\n"
-          "account 100 missed off\n"
-          "call missed 2\n" +
-          import +
-          "call received 2\n"
-          "call missed 2 account=200@sip.example.org\n"
-          "config HistorySavedSwitch 0\n"
-          "call missed 2\n"
-          "dial 2\n"
-          "hangup\n" +
-          import + "config HistorySavedSwitch 1\ndial 2\nhangup\n");
-  Strings reasons;
-  std::istringstream lines(printed);
-  for (std::string line; std::getline(lines, line);) {
-    if (line.find("refused") != line.npos || line.find("not kept") != line.npos) {
-      reasons.push_back(line);
-    }
+  const std::string printed = Run(kCallsNotKept);
+  for (const std::string& reason : kWhyNotKept) {
+    EXPECT_NE(printed.find(reason + "\n"), printed.npos) << printed;
   }
-  const std::string off = "the history is switched off (HistorySavedSwitch is not 1)";
-  const std::string noMissed = "the account 100@sip.example.org keeps no missed calls";
-  EXPECT_EQ(reasons, (Strings{"  refused: a call is outgoing, missed, received or forwarded",
-                              "  refused: " + noMissed, "  1000 calls refused: " + noMissed,
-                              "  refused: " + off, "  it is not kept: " + off,
-                              "  1000 calls refused: " + off}));
 }
 
-TEST_F(ScriptTest, AnInterruptionEndsWhatTakesLong) {
-  const auto records = files.path() / "records.csv";
-  WriteFile(records, kMissedBy100);
-  std::ostringstream out;
-  Phone phone(root.path(), Profile(), std::make_unique<RealClock>());
-  Console console{phone, out};
+TEST_F(ScriptTest, AnInterruptedImportBringsNothingIn) {
+  Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0));
+  Console console{phone, errors, files.path()};
   phone.interrupted = [] { return true; };
-  EXPECT_FALSE(phone.Wait(std::chrono::hours(1)));
-  const CallImport import = {records.string(), "100", "sip.example.org"};
-  EXPECT_THROW(import.Run(console), CommandError);
-  EXPECT_FALSE(phone.Save()) << "a call came in";
+  EXPECT_THROW(RunCommand(console, "cdr records.csv 100"), CommandError);
+  EXPECT_FALSE(phone.Save());
 }
 
 TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {
   const auto file = root.path() / "config/data/call_data.xml";
   const std::string note = "  * the last good copy of the history is back";
-  for (const char* save : {"save\n", "wait 5s\n", "# quitting saves\n"}) {
+  for (const char* save : {"save", "wait 5s", "# quitting saves"}) {
     EXPECT_EQ(Run(std::string("power-cycle\ncall missed 1\n") + save).find(note), note.npos);
     EXPECT_EQ(ReadFile(file.string() + ".good"), ReadFile(file)) << save;
   }
   WriteFile(file, "");
   EXPECT_EQ(Run("").find(note), 0u);
-  EXPECT_NE(Run("list\n").find("  all: 3 calls"), note.npos);
-}
-
-TEST_F(ScriptTest, ASecondPhoneIsRefusedTheSameRoot) {
-  const Phone phone(root.path(), Profile(), std::make_unique<ManualClock>(0));
-  EXPECT_THROW(RootDirectory second(root.path()), RootError);
-  WriteFile(root.path() / "file", "");
-  EXPECT_THROW(RootDirectory(root.path() / "file"), RootError);
+  EXPECT_NE(Run("list").find("  all: 3 calls"), note.npos);
 }
 
 }  // namespace

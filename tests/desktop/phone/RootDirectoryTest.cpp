@@ -8,8 +8,7 @@
 #include <map>
 #include <sstream>
 
-#include "desktop/console/Console.h"
-#include "desktop/console/Script.h"
+#include "desktop/console/Commands.h"
 #include "tests/support/PhoneTest.h"
 
 namespace desk {
@@ -17,174 +16,161 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Modes = std::map<std::string, std::string>;
+using Modes = std::map<std::string, fs::perms>;
+constexpr fs::perms kFolder = fs::perms::owner_all;
+constexpr fs::perms kFile = fs::perms::owner_read | fs::perms::owner_write;
+constexpr uid_t kNobody = 65534;
 
 class RootDirectoryTest : public testing::Test {
  protected:
   RootDirectoryTest() { umask(0); }
 
-  // What the phone says when it starts there, and for a call that it saves.
+  // What the phone says when it starts there. It has a call to save, and a source.
   static std::string Start(const fs::path& root) {
     std::ostringstream out;
-    std::istringstream lines("call missed 1\nsource 0 server=h password=secret\nsave\n");
-    Profile profile;
-    profile.config = {{"HistorySavedSwitch", 1}};
-    Phone phone(root, profile, std::make_unique<ManualClock>(0));
+    Phone phone(root, Profile(), std::make_unique<ManualClock>(0));
     Console console{phone, out};
     ReportNews(console);
     const std::string said = out.str();
-    RunScript(console, lines, "script", out);
+    RunCommand(console, "call missed 1");
+    RunCommand(console, "source 0 server=h password=secret");
     return said;
   }
 
-  static std::string Mode(const fs::path& path) {
-    std::ostringstream mode;
-    mode << std::oct << static_cast<int>(fs::symlink_status(path).permissions());
-    return mode.str();
+  // Why the directory is refused; empty: it is taken.
+  std::string Refusal() const {
+    try {
+      const RootDirectory ours(root);
+      return "";
+    } catch (const RootError& error) {
+      return error.what();
+    }
   }
 
   // Everything in a directory and the directory itself.
   static Modes ModesOf(const fs::path& directory) {
-    Modes modes = {{".", Mode(directory)}};
+    Modes modes = {{".", fs::status(directory).permissions()}};
     for (const auto& entry : fs::recursive_directory_iterator(directory)) {
-      modes[entry.path().lexically_relative(directory)] = Mode(entry.path());
+      modes[entry.path().lexically_relative(directory)] = entry.symlink_status().permissions();
     }
     return modes;
   }
 
-  static void Write(const fs::path& file, const std::string& bytes) {
+  static void Write(const fs::path& file) {
     fs::create_directories(file.parent_path());
-    WriteFile(file, bytes);
+    WriteFile(file, "");
   }
 
   TemporaryDirectory work;
   const fs::path root = work.path() / "phone";
+  const fs::path others = work.path() / "others";
 };
 
+const Modes kPrivate = {{".", kFolder},
+                        {"config", kFolder},
+                        {"config/data", kFolder},
+                        {"config/data/broadsoft_calllog_list.xml", kFile},
+                        {"config/data/call_data.xml", kFile},
+                        {"config/data/call_data.xml.good", kFile},
+                        {"lock", kFile},
+                        {"tmp", kFolder}};
+
 TEST_F(RootDirectoryTest, WhatThePhoneMakesIsItsUsersAlone) {
-  const Modes expected = {{".", "700"},
-                          {"config", "700"},
-                          {"config/data", "700"},
-                          {"config/data/broadsoft_calllog_list.xml", "600"},
-                          {"config/data/call_data.xml", "600"},
-                          {"config/data/call_data.xml.good", "600"},
-                          {"lock", "600"},
-                          {"tmp", "700"}};
   for (const bool isThere : {false, true}) {
     fs::remove_all(root);
     if (isThere) fs::create_directory(root);
     EXPECT_EQ(Start(root), "");
-    EXPECT_EQ(ModesOf(root), expected);
+    EXPECT_EQ(ModesOf(root), kPrivate);
     EXPECT_EQ(umask(0), 0u) << "another phone's, or nobody's, afterwards";
   }
   EXPECT_EQ(Start(work.path() / "a/b/phone/"), "");
-  EXPECT_EQ(Mode(work.path() / "a/b"), "700");
+  EXPECT_EQ(ModesOf(work.path() / "a")["b"], kFolder);
 }
 
-TEST_F(RootDirectoryTest, AnOlderDirectoryIsClosedToOthersAndTidied) {
-  const fs::path others = work.path() / "others";
-  Write(others / "file", "");
-  Write(others / "data/file", "");
-  Write(others / "data/call_data.xml", "");
+TEST_F(RootDirectoryTest, AnOlderDirectoryIsClosedToOthers) {
   Start(root);
-  for (const char* file : {"config/data/call_data.xml.aside-1", "config/file", "commands",
-                           "tmp/BroadSoftCallLog.xml"}) {
-    Write(root / file, "");
-  }
+  for (const char* file : {"config/file", "commands", "tmp/file"}) Write(root / file);
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     fs::permissions(entry, fs::perms::all);
   }
   fs::permissions(root, fs::perms(0755));
-  Write(root / "mine/file", "");
-  for (const char* left : {"tmp/.BroadSoftCallLog.xml-aB3dE6", "tmp/.BroadSoftCallLog.xml-longer0",
-                           "tmp/BroadSoftCallLog.xml-aB3dE6"}) {
-    Write(root / left, "");
-  }
-  fs::create_directory(root / "tmp/.BroadSoftCallLog.xml-folder");
-  fs::create_symlink(others / "file", root / "tmp/.BroadSoftCallLog.xml-linked");
-  fs::create_symlink(others / "file", root / "config/data/link");
-  fs::create_directory_symlink(others, root / "config/data/others");
-  const Modes before = ModesOf(others);
-
+  Write(root / "mine/file");
   EXPECT_EQ(Start(root), "  * other users could read this phone's files; now only you can\n");
   for (const auto& [name, mode] : ModesOf(root)) {
-    const bool isOpen = name.rfind("mine", 0) == 0 || name.find("-folder") != name.npos ||
-                        fs::is_symlink(root / name);
-    EXPECT_EQ(mode.substr(mode.size() - 2) != "00", isOpen) << name << " " << mode;
+    const bool isOpen = (mode & ~fs::perms::owner_all) != fs::perms::none;
+    EXPECT_EQ(isOpen, name.rfind("mine", 0) == 0) << name;
   }
-  EXPECT_FALSE(fs::exists(root / "tmp/.BroadSoftCallLog.xml-aB3dE6"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(root / "tmp"), {}), 5);
-  EXPECT_EQ(ModesOf(others), before);
   EXPECT_EQ(Start(root), "") << "it is told once";
+}
 
-  // Links in the place of its own directories.
+TEST_F(RootDirectoryTest, WhatATransferHasLeftGoes) {
+  const fs::path left = root / "tmp/.BroadSoftCallLog.xml-aB3dE6";
+  for (const fs::path& file : {left, root / "tmp/.BroadSoftCallLog.xml-longer0",
+                               root / "tmp/BroadSoftCallLog.xml-aB3dE6", root / "lock"}) {
+    Write(file);
+  }
+  EXPECT_EQ(Refusal(), "");
+  EXPECT_FALSE(fs::exists(left));
+  EXPECT_EQ(std::distance(fs::directory_iterator(root / "tmp"), {}), 2);
+}
+
+TEST_F(RootDirectoryTest, LinksAreNotFollowed) {
+  for (const char* file : {"data/file", ".BroadSoftCallLog.xml-aB3dE6"}) Write(others / file);
+  const Modes before = ModesOf(others);
+  EXPECT_EQ(Refusal(), "");
+  for (const char* link : {"commands", "config/data/link", "tmp/.BroadSoftCallLog.xml-linked"}) {
+    fs::create_symlink(others / "data/file", root / link);
+  }
+  EXPECT_EQ(Refusal(), "");
   for (const char* folder : {"config", "tmp"}) {
     fs::remove_all(root / folder);
     fs::create_directory_symlink(others, root / folder);
   }
-  Write(others / ".BroadSoftCallLog.xml-aB3dE6", "another phone's");
-  const Modes beforeLinks = ModesOf(others);
-  { const RootDirectory linked(root); }
-  EXPECT_EQ(ModesOf(others), beforeLinks);
+  EXPECT_EQ(Refusal(), "");
+  EXPECT_EQ(ModesOf(others), before);
 }
 
 TEST_F(RootDirectoryTest, RefusesADirectoryWithOtherFiles) {
-  const std::pair<const char*, bool> rows[] = {
-      {"thesis.txt", false},
-      {"lock/file", false},
-      {"config/file", false},
-      {"config/data/db.yml", false},
-      {"lock", true},
-      {"config/data/call_data.xml", true},
-      {"config/data/broadsoft_calllog_list.xml", true},
-  };
-  for (const auto& [file, taken] : rows) {
-    SCOPED_TRACE(file);
+  for (const char* file : {"thesis.txt", "lock/file", "config/file", "config/data/db.yml"}) {
     fs::remove_all(root);
-    Write(root / file, "");
+    Write(root / file);
     const Modes before = ModesOf(root);
-    std::string error;
-    try {
-      const RootDirectory ours(root);
-    } catch (const RootError& refused) {
-      error = refused.what();
-    }
-    if (taken) {
-      EXPECT_EQ(error, "");
-    } else {
-      EXPECT_EQ(error, "cannot use " + root.string() +
-                           ": it holds other files and no phone; name a new directory or an "
-                           "empty one");
-      EXPECT_EQ(ModesOf(root), before);
-    }
+    EXPECT_EQ(Refusal().find("cannot use " + root.string() + ": it holds other files"), 0u);
+    EXPECT_EQ(ModesOf(root), before) << file;
   }
+}
+
+TEST_F(RootDirectoryTest, TakesAPhonesDirectory) {
+  for (const char* file : {"call_data.xml", "broadsoft_calllog_list.xml"}) {
+    fs::remove_all(root);
+    Write(root / "config/data" / file);
+    EXPECT_EQ(Refusal(), "") << file;
+  }
+}
+
+TEST_F(RootDirectoryTest, RefusesAFileAndAnotherPhonesDirectory) {
+  const RootDirectory another(root);
+  EXPECT_NE(Refusal(), "");
+  EXPECT_THROW(RootDirectory(root / "lock"), RootError);
 }
 
 // As long as others could write there, they could lead what the phone writes to themselves.
 TEST_F(RootDirectoryTest, WhatOthersMayHavePutThereIsNotUsed) {
-  const char* const kEntries[] = {"lock",
-                                  "config",
-                                  "config/data",
-                                  "tmp",
-                                  "config/data/call_data.xml",
-                                  "config/data/broadsoft_calllog_list.xml"};
-  constexpr uid_t kSomebody = 65534;
-  for (const char* const entry : kEntries) {
-    for (const bool linked : {true, false}) {
-      if (!linked && geteuid() != 0) continue;  // who may give files away
-      SCOPED_TRACE(entry + std::string(linked ? " is a link" : " is another user's"));
-      fs::remove_all(root);
-      Start(root);
-      if (linked) {
-        fs::rename(root / entry, work.path() / "elsewhere");
-        fs::create_symlink(work.path() / "elsewhere", root / entry);
-      } else {
-        ASSERT_EQ(chown((root / entry).c_str(), kSomebody, kSomebody), 0);
-      }
-      fs::permissions(root, fs::perms::all);
-      EXPECT_THROW(RootDirectory ours(root), RootError);
-      fs::remove_all(work.path() / "elsewhere");
-    }
+  const fs::path elsewhere = work.path() / "elsewhere";
+  Start(root);
+  for (const auto& [name, mode] : kPrivate) {
+    if (name == ".") continue;
+    const fs::path entry = root / name;
+    fs::rename(entry, elsewhere);
+    fs::create_symlink(elsewhere, entry);
+    fs::permissions(root, fs::perms::all);
+    EXPECT_NE(Refusal(), "") << name << " is a link";
+    fs::remove(entry);
+    fs::rename(elsewhere, entry);
+    if (chown(entry.c_str(), kNobody, kNobody) != 0) continue;  // who may give files away
+    fs::permissions(root, fs::perms::all);
+    EXPECT_NE(Refusal(), "") << name << " is another user's";
+    ASSERT_EQ(chown(entry.c_str(), geteuid(), getegid()), 0);
   }
 }
 
