@@ -56,20 +56,17 @@ CdrCalls::CdrCalls(std::string extension, std::string server)
 
 bool CdrCalls::Add(const CdrLeg& leg) {
   const std::size_t group = GroupOf(leg);
-  if (AnsweredByChannel(leg)) answered_[group] = true;
+  if (AnsweredByChannel(leg)) groups_[group].answered = true;
   const bool placed = !extension_.empty() && Endpoint(leg.channel) == extension_;
   const bool called = !extension_.empty() && Endpoint(leg.dstchannel) == extension_;
-  if (!placed && !called) return false;
-  OwnLeg own = {group, placed, leg.answered, leg.start, leg.duration, leg.billsec, leg.dst, "", ""};
   if (placed) {
-    own.channel = leg.channel;
-  } else {
-    own.answered = AnsweredByChannel(leg);
-    own.number = leg.src;
-    own.name = leg.callerName;
+    legs_.push_back({group, true, leg.answered, leg.start, leg.duration, leg.billsec, leg.dst, "",
+                     leg.channel});
+  } else if (called) {
+    legs_.push_back({group, false, AnsweredByChannel(leg), leg.start, leg.duration, leg.billsec,
+                     leg.src, leg.callerName, ""});
   }
-  legs_.push_back(std::move(own));
-  return true;
+  return placed || called;
 }
 
 std::vector<CallLogAddItemData> CdrCalls::Take() {
@@ -80,12 +77,10 @@ std::vector<CallLogAddItemData> CdrCalls::Take() {
   std::map<std::pair<std::size_t, std::string>, std::size_t> indexOf;
   for (const OwnLeg& own : legs_) {
     const std::size_t group = Root(own.group);
-    if (!own.placed && !own.answered && answered_[group]) continue;
+    if (!own.placed && !own.answered && groups_[group].answered) continue;
     const auto [found, isNew] = indexOf.try_emplace({group, own.channel}, calls.size());
-    if (isNew) {
-      calls.push_back(MakeCall(own));
-      talked.emplace_back();
-    }
+    if (isNew) calls.push_back(MakeCall(own));
+    talked.resize(calls.size());
     if (!own.answered) continue;
     calls[found->second].duration = talked[found->second].Add(own.start, own.duration, own.billsec);
   }
@@ -105,15 +100,13 @@ CallLogAddItemData CdrCalls::MakeCall(const OwnLeg& own) const {
 }
 
 std::size_t CdrCalls::NewGroup() {
-  parent_.push_back(parent_.size());
-  answered_.push_back(false);
-  return parent_.size() - 1;
+  groups_.push_back({groups_.size(), false});
+  return groups_.size() - 1;
 }
 
 std::size_t CdrCalls::GroupOfId(const std::string& id) {
-  const auto found = groupOfId_.find(id);
-  if (found != groupOfId_.end()) return Root(found->second);
-  return groupOfId_[id] = NewGroup();
+  const auto [found, isNew] = groupOfId_.try_emplace(id, groups_.size());
+  return isNew ? NewGroup() : Root(found->second);
 }
 
 std::size_t CdrCalls::GroupOf(const CdrLeg& leg) {
@@ -122,13 +115,15 @@ std::size_t CdrCalls::GroupOf(const CdrLeg& leg) {
   const std::size_t group = GroupOfId(id);
   if (leg.linkedid.empty()) return group;
   const std::size_t linked = GroupOfId(leg.linkedid);
-  parent_[group] = linked;
-  if (answered_[group]) answered_[linked] = true;
+  groups_[group].parent = linked;
+  if (groups_[group].answered) groups_[linked].answered = true;
   return linked;
 }
 
 std::size_t CdrCalls::Root(std::size_t group) {
-  while (parent_[group] != group) group = parent_[group] = parent_[parent_[group]];
+  while (groups_[group].parent != group) {
+    group = groups_[group].parent = groups_[groups_[group].parent].parent;
+  }
   return group;
 }
 

@@ -36,6 +36,13 @@ class CdrCalls {
     std::string channel;  // placed legs only: those of one channel are one call
   };
 
+  // Legs with an id in common. Groups that turn out to be one point to their root, whose flag
+  // counts.
+  struct Group {
+    std::size_t parent;
+    bool answered;
+  };
+
   std::size_t NewGroup();
   std::size_t GroupOfId(const std::string& id);
   std::size_t GroupOf(const CdrLeg& leg);
@@ -45,11 +52,8 @@ class CdrCalls {
   std::string extension_;
   std::string server_;
   std::vector<OwnLeg> legs_;
-  // Legs with an id in common are one group. Groups that turn out to be one point to their root,
-  // whose flag counts.
+  std::vector<Group> groups_;
   std::unordered_map<std::string, std::size_t> groupOfId_;
-  std::vector<std::size_t> parent_;
-  std::vector<bool> answered_;
 };
 
 }  // namespace desk

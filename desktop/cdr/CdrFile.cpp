@@ -9,7 +9,6 @@
 #include <cctype>
 #include <ctime>
 #include <limits>
-#include <new>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -19,73 +18,67 @@
 namespace desk {
 namespace {
 
-constexpr std::size_t kRowBytesMax = 16 * 1024 * 1024;
-constexpr std::size_t kPartBytes = kRowBytesMax + 2;  // one more shows that a row is too long
+using Fields = std::vector<std::string>;
+
+constexpr std::size_t kRowBytesMax = 16 * 1024 * 1024 + 1;  // with the end of its last line
+constexpr std::size_t kPartBytes = kRowBytesMax + 1;  // as much text shows that a row is too long
 constexpr std::size_t kRowLinesMax = 100;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-void DeleteParser(csv_parser* parser) {
-  csv_free(parser);
-  delete parser;
-}
+// libcsv's parser on one record, and what it has found.
+struct RecordParser : csv_parser {
+  RecordParser() {
+    csv_init(this, 0);
+    csv_set_blk_size(this, 4096);
+    // ReadLine() takes the carriage return of a line's end; any other is part of its field.
+    csv_set_term_func(this, [](unsigned char c) { return c == CSV_LF ? 1 : 0; });
+  }
+  ~RecordParser() { csv_free(this); }
+  RecordParser(const RecordParser&) = delete;
+  RecordParser& operator=(const RecordParser&) = delete;
 
-std::unique_ptr<csv_parser, void (*)(csv_parser*)> MakeParser() {
-  auto parser = std::make_unique<csv_parser>();
-  csv_init(parser.get(), 0);
-  csv_set_blk_size(parser.get(), 4096);
-  // ReadLine() takes the carriage return of a line's end; any other is part of its field.
-  csv_set_term_func(parser.get(), [](unsigned char c) { return c == CSV_LF ? 1 : 0; });
-  return {parser.release(), DeleteParser};
-}
+  // A quote that was never closed would swallow the rows behind it. So stray quotes, which some
+  // writers leave in names, pass in the first line only: where a field runs on they show that it
+  // should have ended. False for such a quote.
+  bool Take(const std::string& line) {
+    const auto done = csv_parse(this, line.data(), line.size(), OnField, OnRow, this);
+    csv_set_opts(this, CSV_STRICT);
+    return done == line.size();
+  }
 
-// What the parser's callbacks fill. They are called from C: nothing may be thrown through them.
-struct Sink {
-  std::vector<std::string>* fields;
+  static void OnField(void* text, std::size_t size, void* self) noexcept {
+    static_cast<RecordParser*>(self)->fields.emplace_back(static_cast<const char*>(text), size);
+  }
+  static void OnRow(int, void* self) { static_cast<RecordParser*>(self)->complete = true; }
+
+  Fields fields;
   bool complete = false;
-  bool outOfMemory = false;
 };
 
-void OnField(void* text, std::size_t size, void* data) {
-  auto* sink = static_cast<Sink*>(data);
-  try {
-    sink->fields->emplace_back(static_cast<const char*>(text), size);
-  } catch (...) {
-    sink->outOfMemory = true;
-  }
-}
-
-void OnRow(int, void* data) { static_cast<Sink*>(data)->complete = true; }
-
-bool IsBlank(const std::string& line) { return line.find_first_not_of(" \t") == line.npos; }
+bool IsBlank(const std::string& line) { return line.find_first_not_of(" \t\n") == line.npos; }
 
 bool SameWord(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
-// Columns that differ between the layouts; the rest follows from these. Both have src and dst at 1
-// and 2, and uniqueid at 16.
-struct Layout {
-  std::size_t clid;
-  std::size_t channel;
-  std::size_t start;
-  std::size_t Lastapp() const { return channel + 2; }
-  std::size_t End() const { return start + 2; }
-  std::size_t Duration() const { return start + 3; }
-  std::size_t Billsec() const { return start + 4; }
-  std::size_t Disposition() const { return start + 5; }
-  std::size_t Columns() const { return start + 7; }
+// Of Master.csv.
+constexpr std::size_t kSrc = 1, kDst = 2, kClid = 4, kChannel = 5, kDstchannel = 6, kLastapp = 7,
+                      kStart = 9, kEnd = 11, kDuration = 12, kBillsec = 13, kDisposition = 14,
+                      kUniqueid = 16;
+
+// The columns of Master.csv in a row of either layout. The custom one has clid in front of all, and
+// what follows on clid in Master.csv one column earlier; uniqueid is at its place again.
+struct Columns {
+  const Fields& fields;
+  bool custom;
+
+  std::string_view operator[](std::size_t column) const {
+    const bool moved = custom && column >= kClid && column < kUniqueid;
+    const std::size_t at = !moved ? column : column == kClid ? 0 : column - 1;
+    return at < fields.size() ? std::string_view(fields[at]) : std::string_view();
+  }
+  std::size_t Least() const { return custom ? kUniqueid - 1 : kUniqueid; }
 };
-constexpr std::size_t kSrc = 1;
-constexpr std::size_t kDst = 2;
-constexpr std::size_t kUniqueid = 16;
-constexpr Layout kMaster = {4, 5, 9};
-constexpr Layout kCustom = {0, 4, 8};
-
-using Fields = std::vector<std::string>;
-
-std::string_view At(const Fields& fields, std::size_t column) {
-  return column < fields.size() ? std::string_view(fields[column]) : std::string_view();
-}
 
 bool HasTimeShape(std::string_view text) {
   constexpr std::string_view kShape = "0000-00-00 00:00:00";
@@ -103,25 +96,21 @@ std::optional<bool> Answered(std::string_view disposition) {
 }
 
 // How many of the three columns that stand elsewhere in the other layout hold what they should.
-int Fit(const Layout& layout, const Fields& fields) {
-  return int{HasTimeShape(At(fields, layout.start))} + int{HasTimeShape(At(fields, layout.End()))} +
-         int{Answered(At(fields, layout.Disposition())).has_value()};
+int Fit(const Columns& row) {
+  return int{HasTimeShape(row[kStart])} + int{HasTimeShape(row[kEnd])} +
+         int{Answered(row[kDisposition]).has_value()};
 }
 
-// One of the three may be wrong, so that its fault can be named.
-const Layout* FindLayout(const Fields& fields) {
-  const Layout& better = Fit(kCustom, fields) > Fit(kMaster, fields) ? kCustom : kMaster;
-  return Fit(better, fields) >= 2 ? &better : nullptr;
+bool IsHeader(const Columns& row) {
+  return SameWord(row[kSrc], "src") && SameWord(row[kStart], "start") &&
+         SameWord(row[kDisposition], "disposition");
 }
 
-bool IsHeader(const Fields& fields) {
-  for (const Layout& layout : {kMaster, kCustom}) {
-    if (SameWord(At(fields, kSrc), "src") && SameWord(At(fields, layout.start), "start") &&
-        SameWord(At(fields, layout.Disposition()), "disposition")) {
-      return true;
-    }
-  }
-  return false;
+std::string OneLine(std::string_view text, char forControls) {
+  std::string line(text);
+  const auto isControl = [](unsigned char c) { return std::iscntrl(c) != 0; };
+  std::replace_if(line.begin(), line.end(), isControl, forControls);
+  return line;
 }
 
 // A field as a reason shows it: short and on one line.
@@ -130,48 +119,49 @@ std::string Quoted(std::string_view field) {
   const bool cut = field.size() > kShown;
   std::size_t size = std::min(field.size(), kShown);
   while (cut && size > 0 && (static_cast<unsigned char>(field[size]) & 0xC0) == 0x80) --size;
-  std::string shown(field.substr(0, size));
-  for (char& c : shown) {
-    if (std::iscntrl(static_cast<unsigned char>(c)) != 0) c = '?';
-  }
-  return "\"" + shown + (cut ? "...\"" : "\"");
+  return "\"" + OneLine(field.substr(0, size), '?') + (cut ? "...\"" : "\"");
 }
 
-std::string ReadStart(const std::string& text, int* start) {
-  if (!HasTimeShape(text)) return "start is not a time: " + Quoted(text);
+// Why a row is bad.
+struct Fault {
+  std::string reason;
+};
+
+void Check(bool good, const char* reason, std::string_view field) {
+  if (!good) throw Fault{reason + (": " + Quoted(field))};
+}
+
+// As UTC: local time moves an hour of its own when clocks go forward. A day too many moves the
+// month.
+bool IsInCalendar(std::tm time) {
+  const std::tm read = time;
+  timegm(&time);
+  return time.tm_mon == read.tm_mon && time.tm_sec == read.tm_sec;
+}
+
+int Start(std::string_view text) {
+  using Limits = std::numeric_limits<int>;
+  Check(HasTimeShape(text), "start is not a time", text);
   std::tm local{};
-  const char* const end = strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &local);
-  // Checked as UTC: local time moves an hour of its own when clocks go forward. A day too many
-  // moves the month.
-  std::tm utc = local;
-  timegm(&utc);
-  if (end == nullptr || utc.tm_mon != local.tm_mon || utc.tm_sec != local.tm_sec) {
-    return "start is not in the calendar: " + Quoted(text);
-  }
+  const char* const end = strptime(std::string(text).c_str(), "%Y-%m-%d %H:%M:%S", &local);
+  Check(end != nullptr && IsInCalendar(local), "start is not in the calendar", text);
   local.tm_isdst = -1;
   local.tm_wday = -1;  // set by mktime() when it succeeds; -1 as its result is a time, too
   const std::time_t time = std::mktime(&local);
-  if (local.tm_wday < 0 || time < std::numeric_limits<int>::min() ||
-      time > std::numeric_limits<int>::max()) {
-    return "start is outside the years that the phone can store: " + Quoted(text);
-  }
-  *start = static_cast<int>(time);
-  return {};
+  Check(local.tm_wday >= 0 && time >= Limits::min() && time <= Limits::max(),
+        "start is outside the years that the phone can store", text);
+  return static_cast<int>(time);
 }
 
-std::string ReadSeconds(const char* column, std::string_view text, int* seconds) {
+int Seconds(std::string_view text, const char* reason) {
   const auto number = WholeNumber(text, 0);
-  if (!number) return std::string(column) + " is not a number of seconds: " + Quoted(text);
-  *seconds = *number;
-  return {};
+  Check(number.has_value(), reason, text);
+  return *number;
 }
 
 // Text as a phone's line shows it: control characters would break lists and the history file.
-std::string OneLine(std::string_view text) {
-  std::string line(text);
-  for (char& c : line) {
-    if (std::iscntrl(static_cast<unsigned char>(c)) != 0) c = ' ';
-  }
+std::string Shown(std::string_view text) {
+  const std::string line = OneLine(text, ' ');
   const std::size_t first = line.find_first_not_of(' ');
   if (first == line.npos) return {};
   return line.substr(first, line.find_last_not_of(' ') - first + 1);
@@ -181,26 +171,25 @@ bool IsNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789+*#") == text.npos;
 }
 
+std::string Unquoted(const std::string& name) {
+  if (name.empty() || name.front() != '"') return name;
+  const bool closed = name.size() > 1 && name.back() == '"';
+  return Shown(name.substr(1, name.size() - (closed ? 2 : 1)));
+}
+
 // clid is `"Name" <number>`, or what there is of the two alone.
-void ReadCaller(std::string_view srcField, std::string_view clidField, CdrLeg* leg) {
-  leg->src = OneLine(srcField);
-  const std::string clid = OneLine(clidField);
+void ReadCaller(const Columns& row, CdrLeg* leg) {
+  const std::string clid = Shown(row[kClid]);
   const std::size_t bracket = clid.rfind('<');
-  std::string name = OneLine(std::string_view(clid).substr(0, bracket));
-  std::string number;
+  const std::string name = Shown(clid.substr(0, bracket));
+  std::string number = IsNumber(name) ? name : "";
   if (bracket != clid.npos) {
-    const std::size_t close = std::min(clid.find('>', bracket), clid.size());
-    number = OneLine(clid.substr(bracket + 1, close - bracket - 1));
-  } else if (IsNumber(name)) {
-    number = name;
+    number = Shown(clid.substr(bracket + 1, clid.find('>', bracket) - bracket - 1));
   }
-  if (!name.empty() && name.front() == '"') {
-    name.erase(0, 1);
-    if (!name.empty() && name.back() == '"') name.pop_back();
-    name = OneLine(name);
-  }
+  leg->src = Shown(row[kSrc]);
   if (leg->src.empty()) leg->src = number;
-  leg->callerName = name == leg->src || name == number ? std::string() : name;
+  leg->callerName = Unquoted(name);
+  if (leg->callerName == leg->src || leg->callerName == number) leg->callerName.clear();
 }
 
 // An id as the PBX makes them: an optional name of the system and "-", seconds since 1970, ".",
@@ -215,131 +204,105 @@ bool IsCallId(std::string_view text) {
 
 // The columns behind amaflags depend on the PBX's settings. A lone one behind Master.csv's may as
 // well be the userfield, and linkedid stands in several places: there, an id must look like one.
-void ReadIds(const Layout& layout, const Fields& fields, CdrLeg* leg) {
-  const std::string_view id = At(fields, kUniqueid);
-  const bool lone = fields.size() == layout.Columns() + 1 && layout.Columns() == kUniqueid;
-  if (!lone || IsCallId(id)) leg->uniqueid = id;
-  for (std::size_t column = kUniqueid + 1; column < fields.size(); ++column) {
-    if (!IsCallId(fields[column])) continue;
-    leg->linkedid = fields[column];
-    return;
-  }
+void ReadIds(const Columns& row, CdrLeg* leg) {
+  const bool lone = !row.custom && row.fields.size() == kUniqueid + 1;
+  if (!lone || IsCallId(row[kUniqueid])) leg->uniqueid = row[kUniqueid];
+  if (row.fields.size() <= kUniqueid) return;
+  const auto linked = std::find_if(row.fields.begin() + kUniqueid + 1, row.fields.end(), IsCallId);
+  if (linked != row.fields.end()) leg->linkedid = *linked;
 }
 
-// Returns why the row is bad; empty when `leg` holds it.
-std::string ReadLeg(const Fields& fields, CdrLeg* leg) {
-  const std::string columns =
-      std::to_string(fields.size()) + (fields.size() == 1 ? " column" : " columns");
-  const Layout* layout = FindLayout(fields);
-  if (layout == nullptr) {
-    return columns + (fields.size() < kCustom.Columns() ? ", too few for a call record"
-                                                        : ", in no known order");
-  }
-  if (fields.size() < layout->Columns()) return columns + ", too few for a call record";
-  const std::string_view disposition = At(fields, layout->Disposition());
-  const std::optional<bool> answered = Answered(disposition);
-  if (!answered) return "unknown disposition: " + Quoted(disposition);
-  leg->answered = *answered;
-  leg->channel = fields[layout->channel];
-  leg->dstchannel = fields[layout->channel + 1];
-  leg->lastapp = fields[layout->Lastapp()];
-  leg->dst = OneLine(fields[kDst]);
-  ReadCaller(fields[kSrc], fields[layout->clid], leg);
-  ReadIds(*layout, fields, leg);
-  std::string fault = ReadStart(fields[layout->start], &leg->start);
-  if (fault.empty()) fault = ReadSeconds("duration", fields[layout->Duration()], &leg->duration);
-  if (fault.empty()) fault = ReadSeconds("billsec", fields[layout->Billsec()], &leg->billsec);
-  return fault;
+// One of the three columns that tell the layout may be wrong, so that its fault can be named.
+Columns FindLayout(const Fields& fields) {
+  const Columns master = {fields, false};
+  const Columns custom = {fields, true};
+  const Columns& better = Fit(custom) > Fit(master) ? custom : master;
+  const bool known = Fit(better) >= 2;
+  if (known && fields.size() >= better.Least()) return better;
+  const bool tooFew = known || fields.size() < custom.Least();
+  throw Fault{std::to_string(fields.size()) + (fields.size() == 1 ? " column" : " columns") +
+              (tooFew ? ", too few for a call record" : ", in no known order")};
+}
+
+CdrLeg ReadLeg(const Fields& fields) {
+  const Columns row = FindLayout(fields);
+  const std::optional<bool> answered = Answered(row[kDisposition]);
+  Check(answered.has_value(), "unknown disposition", row[kDisposition]);
+  CdrLeg leg;
+  leg.answered = *answered;
+  leg.start = Start(row[kStart]);
+  leg.duration = Seconds(row[kDuration], "duration is not a number of seconds");
+  leg.billsec = Seconds(row[kBillsec], "billsec is not a number of seconds");
+  leg.channel = row[kChannel];
+  leg.dstchannel = row[kDstchannel];
+  leg.lastapp = row[kLastapp];
+  leg.dst = Shown(row[kDst]);
+  ReadCaller(row, &leg);
+  ReadIds(row, &leg);
+  return leg;
 }
 
 }  // namespace
 
 CdrFile::CdrFile(std::istream& in, std::function<void(std::uint64_t)> progress)
-    : in_(in), progress_(std::move(progress)), parser_(MakeParser()), part_(new char[kPartBytes]) {}
+    : in_(in), progress_(std::move(progress)), part_(new char[kPartBytes]) {}
 
-CdrFile::~CdrFile() = default;
-
-bool CdrFile::Next(CdrRow* row) {
-  Record record;
-  do {
-    if (!NextRecord(&record)) return false;
-  } while (record.fault.empty() && IsHeader(record.fields));
-  row->line = record.line;
-  row->leg = CdrLeg();
-  row->fault = record.fault.empty() ? ReadLeg(record.fields, &row->leg) : record.fault;
+bool CdrFile::Next(CdrRow* row) try {
+  for (;;) {
+    while (HasLine(0) && IsBlank(ahead_.front())) UseUp(1);
+    if (ahead_.empty()) return false;
+    *row = {linesUsed_ + 1, {}, {}};
+    const Fields fields = ReadRecord();
+    if (IsHeader({fields, false}) || IsHeader({fields, true})) continue;
+    row->leg = ReadLeg(fields);
+    return true;
+  }
+} catch (const Fault& fault) {
+  row->fault = fault.reason;
   return true;
 }
 
-// A quote that was never closed would swallow the rows behind it. So stray quotes, which some
-// writers leave in names, pass within a line only: where a field runs on they show that it should
-// have ended. The row is then given up as its first line alone, and the second is read next.
-bool CdrFile::NextRecord(Record* record) {
-  *record = Record();
-  while (HasLine(0) && IsBlank(ahead_.front())) {
-    ahead_.pop_front();
-    ++linesUsed_;
-  }
-  if (ahead_.empty()) return false;
-  record->line = linesUsed_ + 1;
-  std::size_t lines = 0;
+std::vector<std::string> CdrFile::ReadRecord() {
+  RecordParser parser;
+  const bool tooLong = ahead_.front().size() > kRowBytesMax;
   std::size_t bytes = 0;
-  bool complete = false;
-  while (!complete && record->fault.empty()) {
-    const bool more = lines < kRowLinesMax && HasLine(lines);
-    if (more) bytes += ahead_[lines].size();
-    if (more && lines == 0 && bytes > kRowBytesMax) {
-      record->fault = "longer than 16 MB";
-    } else if (!more || bytes > kRowBytesMax || !ParseLine(ahead_[lines], record, &complete)) {
-      record->fault = "a quoted field is not closed";
-    }
-    ++lines;
-    csv_set_opts(parser_.get(), CSV_STRICT);
+  for (std::size_t line = 0; !tooLong && line < kRowLinesMax && HasLine(line); ++line) {
+    bytes += ahead_[line].size();
+    if (bytes > kRowBytesMax || !parser.Take(ahead_[line])) break;
+    if (!parser.complete) continue;
+    UseUp(line + 1);
+    return std::move(parser.fields);
   }
-  if (!record->fault.empty()) lines = 1;
-  csv_fini(parser_.get(), nullptr, nullptr, nullptr);
-  csv_set_opts(parser_.get(), 0);
+  UseUp(1);
+  throw Fault{tooLong ? "longer than 16 MB" : "a quoted field is not closed"};
+}
+
+void CdrFile::UseUp(std::size_t lines) {
   ahead_.erase(ahead_.begin(), ahead_.begin() + static_cast<std::ptrdiff_t>(lines));
   linesUsed_ += lines;
-  return true;
-}
-
-bool CdrFile::ParseLine(const std::string& text, Record* record, bool* complete) {
-  Sink sink{&record->fields};
-  for (const std::string_view part : {std::string_view(text), std::string_view("\n")}) {
-    const std::size_t done =
-        csv_parse(parser_.get(), part.data(), part.size(), OnField, OnRow, &sink);
-    if (sink.outOfMemory) throw std::bad_alloc();
-    if (done == part.size()) continue;
-    if (csv_error(parser_.get()) != CSV_EPARSE) throw std::bad_alloc();
-    return false;
-  }
-  *complete = sink.complete;
-  return true;
 }
 
 bool CdrFile::HasLine(std::size_t ahead) {
-  while (ahead_.size() <= ahead) {
-    std::string line;
-    if (!ReadLine(&line)) return false;
-    ahead_.push_back(std::move(line));
+  while (ahead_.size() <= ahead && ReadLine()) {
   }
-  return true;
+  return ahead_.size() > ahead;
 }
 
-// A line beyond the limit is cut just behind it, where NextRecord() will notice; its rest is passed
+// A line beyond the limit is cut just behind it, where ReadRecord() will notice; its rest is passed
 // over.
-bool CdrFile::ReadLine(std::string* line) {
+bool CdrFile::ReadLine() {
   const bool first = bytesRead_ == 0;
   if (!ReadPart()) return false;
-  line->assign(part_.get(), static_cast<std::size_t>(in_.gcount()) - (in_.good() ? 1 : 0));
+  std::string line(part_.get(), static_cast<std::size_t>(in_.gcount()) - (in_.good() ? 1 : 0));
   while (in_.rdstate() == std::ios::failbit) {
     in_.clear();
     ReadPart();
   }
-  if (first && line->compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
-    line->erase(0, kByteOrderMark.size());
+  if (first && line.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) {
+    line.erase(0, kByteOrderMark.size());
   }
-  if (line->size() <= kRowBytesMax && !line->empty() && line->back() == '\r') line->pop_back();
+  if (line.size() < kRowBytesMax && !line.empty() && line.back() == '\r') line.pop_back();
+  ahead_.push_back(line + '\n');
   return true;
 }
 

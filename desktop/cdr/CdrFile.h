@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-struct csv_parser;
-
 namespace desk {
 
 // One leg of a call: one row.
@@ -42,27 +40,20 @@ class CdrFile {
  public:
   // `progress`, where there is one, gets the number of bytes read after every line.
   CdrFile(std::istream& in, std::function<void(std::uint64_t)> progress);
-  ~CdrFile();
 
   // The next record, blank lines and headers passed over; false at the end.
   bool Next(CdrRow* row);
 
  private:
-  struct Record {
-    std::size_t line = 0;
-    std::vector<std::string> fields;
-    std::string fault;
-  };
-
-  bool NextRecord(Record* record);
-  bool ParseLine(const std::string& text, Record* record, bool* complete);
+  // Takes the next record off the lines; a bad one as its first line alone.
+  std::vector<std::string> ReadRecord();
+  void UseUp(std::size_t lines);
   bool HasLine(std::size_t ahead);
-  bool ReadLine(std::string* line);
+  bool ReadLine();
   bool ReadPart();
 
   std::istream& in_;
   std::function<void(std::uint64_t)> progress_;
-  std::unique_ptr<csv_parser, void (*)(csv_parser*)> parser_;
   const std::unique_ptr<char[]> part_;
   std::uint64_t bytesRead_ = 0;
   std::deque<std::string> ahead_;  // lines read and not yet used up
