@@ -38,13 +38,11 @@ Behaviour ParseBehaviour(const std::string& text) {
   const auto found = kByName.find(text);
   if (found != kByName.end()) return {found->second, 0, {}};
   if (const auto status = WholeNumber(text, 400, 599)) return {Kind::kStatus, *status, {}};
-  const std::size_t colon = text.find(':');
-  const std::string name = text.substr(0, colon);
-  const std::string argument = colon != text.npos ? text.substr(colon + 1) : "";
+  const std::string name = text.substr(0, text.find(':'));
+  const std::string argument = text.substr(std::min(name.size() + 1, text.size()));
   if (name == "redirect" && !argument.empty()) return {Kind::kRedirect, 0, argument};
-  if (name == "delay") {
-    if (const auto seconds = WholeNumber(argument, 0, 3600)) return {Kind::kDelay, *seconds, {}};
-  }
+  const auto seconds = WholeNumber(argument, 0, 3600);
+  if (name == "delay" && seconds) return {Kind::kDelay, *seconds, {}};
   throw std::invalid_argument("a server cannot answer with \"" + text + "\"");
 }
 
@@ -66,17 +64,13 @@ void LogServer::Start() {
         Answer(request, response);
         return httplib::Server::HandlerResponse::Handled;
       });
-  if (!Bind()) {
-    server_.reset();
-    throw std::runtime_error("cannot serve on " + std::string(kHost) + ":" +
-                             std::to_string(settings_.port));
-  }
+  Bind();
   stopping_ = false;
   thread_ = std::thread([this] { server_->listen_after_bind(); });
   while (!server_->is_running()) std::this_thread::yield();  // before that it cannot be stopped
 }
 
-bool LogServer::Bind() {
+void LogServer::Bind() {
   int listener = -1;
   server_->set_socket_options([&listener](int socket) {
     // The library's own options would let two servers share a port.
@@ -84,14 +78,12 @@ bool LogServer::Bind() {
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     listener = socket;
   });
-  port_ = settings_.port;
-  if (port_ == 0) {
-    port_ = server_->bind_to_any_port(kHost);
-  } else if (!server_->bind_to_port(kHost, port_)) {
-    return false;
-  }
+  const bool bound = settings_.port == 0 || server_->bind_to_port(kHost, settings_.port);
+  port_ = settings_.port == 0 ? server_->bind_to_any_port(kHost) : settings_.port;
   // The library lets only five connections wait.
-  return port_ > 0 && listen(listener, SOMAXCONN) == 0;
+  if (bound && port_ > 0 && listen(listener, SOMAXCONN) == 0) return;
+  server_.reset();
+  throw std::runtime_error("cannot serve on 127.0.0.1:" + std::to_string(settings_.port));
 }
 
 void LogServer::Stop() {
@@ -107,17 +99,14 @@ void LogServer::Stop() {
 }
 
 void LogServer::Misbehave(const std::string& path, const Behaviour& behaviour) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    paths_[path].behaviour = behaviour;
-  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  paths_[path].behaviour = behaviour;
   changed_.notify_all();
 }
 
-int LogServer::Requests(const std::string& path) const {
+int LogServer::Requests(const std::string& path) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto found = paths_.find(path);
-  return found != paths_.end() ? found->second.requests : 0;
+  return paths_[path].requests;
 }
 
 bool LogServer::WaitForRequests(const std::string& path, int count) {
@@ -126,23 +115,18 @@ bool LogServer::WaitForRequests(const std::string& path, int count) {
   return changed_.wait_for(lock, kTooLong, [&] { return paths_[path].requests >= count; });
 }
 
-std::string LogServer::AskedName(const std::string& path) const {
+std::string LogServer::AskedName(const std::string& path) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto found = paths_.find(path);
-  return found != paths_.end() ? found->second.askedName : "";
+  return paths_[path].askedName;
 }
 
 Behaviour LogServer::Arrive(const httplib::Request& request) {
-  Behaviour behaviour;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    Path& path = paths_[request.path];
-    ++path.requests;
-    path.askedName = request.get_param_value("name");
-    behaviour = path.behaviour;
-  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Path& path = paths_[request.path];
+  ++path.requests;
+  path.askedName = request.get_param_value("name");
   changed_.notify_all();
-  return behaviour;
+  return path.behaviour;
 }
 
 void LogServer::WaitWhile(const std::string& path, Kind kind, std::chrono::seconds limit) {
@@ -169,23 +153,38 @@ std::shared_ptr<const ServedDocument> LogServer::FindDocument(const std::string&
   return {};
 }
 
-void LogServer::Send(const std::string& path, const std::shared_ptr<const ServedDocument>& document,
-                     Kind kind, httplib::Response& response) {
+void LogServer::Send(const std::string& path, Kind kind, httplib::Response& response) {
+  const auto document = FindDocument(path);
+  if (document == nullptr) {
+    response.status = 404;
+    return;
+  }
   if (document->size() == 0) return response.set_content("", kXml);
   const auto provide = [=](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
     const std::size_t half = document->size() / 2;
-    if ((kind == Kind::kCut || kind == Kind::kStall) && offset < half) {
-      length = std::min(length, half - offset);
-    } else if (kind == Kind::kCut) {
-      return false;
-    } else if (kind == Kind::kStall) {
-      WaitWhile(path, kind);
-    }
+    if (offset >= half && kind == Kind::kCut) return false;
+    if (offset >= half && kind == Kind::kStall) WaitWhile(path, kind);
     std::array<char, 16 * 1024> bytes;
-    const std::size_t size = document->Read(offset, bytes.data(), std::min(length, bytes.size()));
+    length = std::min({length, bytes.size(), offset < half ? half - offset : length});
+    const std::size_t size = document->Read(offset, bytes.data(), length);
     return size > 0 && sink.write(bytes.data(), size);
   };
   response.set_content_provider(document->size(), kXml, provide);
+}
+
+bool LogServer::AnswerBadly(const std::string& path, const Behaviour& behaviour,
+                            httplib::Response& response) {
+  switch (behaviour.kind) {
+    case Kind::kStatus: response.status = behaviour.number; return true;
+    case Kind::kRedirect: response.set_redirect(behaviour.location); return true;
+    case Kind::kPage: response.set_content(kPage, "text/html"); return true;
+    case Kind::kEndless: response.set_chunked_content_provider(kXml, WriteSpaces); return true;
+    case Kind::kHold: WaitWhile(path, Kind::kHold); return false;
+    case Kind::kDelay:
+      WaitWhile(path, Kind::kDelay, std::chrono::seconds(behaviour.number));
+      return false;
+    default: return false;
+  }
 }
 
 void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
@@ -193,28 +192,12 @@ void LogServer::Answer(const httplib::Request& request, httplib::Response& respo
     response.status = 405;
     return;
   }
-  const std::string& path = request.path;
   const Behaviour behaviour = Arrive(request);
   if (!IsAuthorized(request)) {
     response.status = 401;
     response.set_header("WWW-Authenticate", "Basic realm=\"call logs\"");
-    return;
-  }
-  switch (behaviour.kind) {
-    case Kind::kStatus: response.status = behaviour.number; return;
-    case Kind::kRedirect: response.set_redirect(behaviour.location); return;
-    case Kind::kPage: response.set_content(kPage, "text/html"); return;
-    case Kind::kEndless: response.set_chunked_content_provider(kXml, WriteSpaces); return;
-    case Kind::kHold: WaitWhile(path, Kind::kHold); break;
-    case Kind::kDelay: WaitWhile(path, Kind::kDelay, std::chrono::seconds(behaviour.number)); break;
-    case Kind::kDocument:
-    case Kind::kStall:
-    case Kind::kCut: break;
-  }
-  if (const auto document = FindDocument(path)) {
-    Send(path, document, behaviour.kind, response);
-  } else {
-    response.status = 404;
+  } else if (!AnswerBadly(request.path, behaviour, response)) {
+    Send(request.path, behaviour.kind, response);
   }
 }
 

@@ -65,9 +65,9 @@ class LogServer {
 
   // All of these from any thread; a path begins with "/" and has no query.
   void Misbehave(const std::string& path, const Behaviour& behaviour);
-  int Requests(const std::string& path) const;
+  int Requests(const std::string& path);
   // The name that the path was asked for last; empty when it was asked for none.
-  std::string AskedName(const std::string& path) const;
+  std::string AskedName(const std::string& path);
   // Until so many have arrived in all; false when that takes too long.
   bool WaitForRequests(const std::string& path, int count);
 
@@ -78,10 +78,12 @@ class LogServer {
     std::string askedName;
   };
 
-  bool Bind();
+  void Bind();
   void Answer(const httplib::Request& request, httplib::Response& response);
-  void Send(const std::string& path, const std::shared_ptr<const ServedDocument>& document,
-            Behaviour::Kind kind, httplib::Response& response);
+  // False when the document is to follow.
+  bool AnswerBadly(const std::string& path, const Behaviour& behaviour,
+                   httplib::Response& response);
+  void Send(const std::string& path, Behaviour::Kind kind, httplib::Response& response);
   bool IsAuthorized(const httplib::Request& request) const;
   Behaviour Arrive(const httplib::Request& request);
   // As long as the path behaves like this and the server runs.
@@ -95,7 +97,7 @@ class LogServer {
   std::unique_ptr<httplib::Server> server_;
   std::thread thread_;
 
-  mutable std::mutex mutex_;  // guards what follows
+  std::mutex mutex_;  // guards what follows
   std::condition_variable changed_;
   std::map<std::string, Path> paths_;
   bool stopping_ = false;
