@@ -2,26 +2,20 @@
 // beside the directory's.
 #include "desktop/platform/Accounts.h"
 
-#include <algorithm>
-
 namespace desk {
 
-namespace {
-
-template <typename Condition>
-Account* First(std::vector<Account>& accounts, Condition condition) {
-  const auto found = std::find_if(accounts.begin(), accounts.end(), condition);
-  return found == accounts.end() ? nullptr : &*found;
-}
-
-}  // namespace
-
 Account* Accounts::FindByFullName(std::string_view fullName) {
-  return First(accounts_, [&](const Account& account) { return account.FullName() == fullName; });
+  for (Account& account : accounts_) {
+    if (account.FullName() == fullName) return &account;
+  }
+  return nullptr;
 }
 
 Account* Accounts::FindBySipName(std::string_view sipName) {
-  return First(accounts_, [&](const Account& account) { return account.name == sipName; });
+  for (Account& account : accounts_) {
+    if (account.name == sipName) return &account;
+  }
+  return nullptr;
 }
 
 Account* Accounts::Find(std::string_view name) {

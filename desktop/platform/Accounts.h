@@ -27,7 +27,6 @@ struct Account : CAccount {
 
 class Accounts {
  public:
-  Accounts() = default;
   explicit Accounts(std::vector<Account> accounts) : accounts_(std::move(accounts)) {}
 
   const std::vector<Account>& All() const { return accounts_; }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <ctime>
 
 namespace desk {
@@ -19,8 +18,11 @@ class Clock {
 // The machine's clocks.
 class RealClock : public Clock {
  public:
-  Milliseconds Monotonic() const override;
-  std::time_t Wall() const override;
+  Milliseconds Monotonic() const override {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<Milliseconds>(now);
+  }
+  std::time_t Wall() const override { return std::time(nullptr); }
 };
 
 // Clocks that stand still until somebody moves them. Advancing moves both; setting the wall clock,
@@ -30,12 +32,16 @@ class ManualClock : public Clock {
   explicit ManualClock(std::time_t wall) : wallAtZero_(wall) {}
 
   Milliseconds Monotonic() const override { return now_; }
-  std::time_t Wall() const override;
+  std::time_t Wall() const override { return wallAtZero_ + Seconds(); }
 
   void Advance(Milliseconds by) { now_ += by; }
-  void SetWall(std::time_t wall);
+  void SetWall(std::time_t wall) { wallAtZero_ = wall - Seconds(); }
 
  private:
+  std::time_t Seconds() const {
+    return std::chrono::duration_cast<std::chrono::seconds>(now_).count();
+  }
+
   Milliseconds now_{0};
   std::time_t wallAtZero_;
 };

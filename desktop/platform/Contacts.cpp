@@ -3,36 +3,24 @@
 #include "desktop/platform/Contacts.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
+
+#include "desktop/platform/Text.h"
 
 namespace desk {
 
-namespace {
-
-// Address books of mobile phones write no-break spaces and hyphens too.
-constexpr std::array<std::string_view, 11> kSeparators = {
-    " ", "\t", "-", "(", ")", ".", "/", "\u00A0", "\u202F", "\u2010", "\u2011"};
-
-bool IsSipName(std::string_view text) {
-  return std::any_of(text.begin(), text.end(), [](char c) {
+std::string DialledForm(std::string_view written) {
+  // Address books of mobile phones write no-break spaces and hyphens too.
+  constexpr std::u32string_view kSeparators = U" \t-()./\u00A0\u202F\u2010\u2011";
+  const bool isSipName = std::any_of(written.begin(), written.end(), [](char c) {
     return c == '@' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
   });
-}
-
-}  // namespace
-
-std::string DialledForm(std::string_view written) {
-  if (IsSipName(written)) return std::string(written);
+  if (isSipName) return std::string(written);
   std::string dialled;
   while (!written.empty()) {
-    const auto separator =
-        std::find_if(kSeparators.begin(), kSeparators.end(), [&](std::string_view candidate) {
-          return written.substr(0, candidate.size()) == candidate;
-        });
-    const bool kept = separator == kSeparators.end();
-    if (kept) dialled += written.front();
-    written.remove_prefix(kept ? 1 : separator->size());
+    const Character next = TakeCharacter(&written);
+    const auto code = static_cast<char32_t>(next.code);
+    if (kSeparators.find(code) == kSeparators.npos) dialled += next.bytes;
   }
   return dialled;
 }
@@ -40,12 +28,6 @@ std::string DialledForm(std::string_view written) {
 const Contact* Contacts::FindByNumber(std::string_view number) const {
   const auto found = positions_.find(std::string(number));
   return found == positions_.end() ? nullptr : &contacts_[found->second];
-}
-
-void Contacts::Replace(std::vector<Contact> contacts) {
-  contacts_ = std::move(contacts);
-  positions_.clear();
-  for (std::size_t i = 0; i < contacts_.size(); ++i) Index(i);
 }
 
 void Contacts::Add(Contact contact) {
@@ -63,18 +45,20 @@ bool Contacts::Rename(std::string_view number, std::string newName) {
   Contact& contact = contacts_[found->second];
   if (contact.name == newName) return false;
   if (newName.empty()) {
-    std::vector<Contact> others = std::move(contacts_);
-    others.erase(others.begin() + static_cast<std::ptrdiff_t>(found->second));
-    Replace(std::move(others));
+    contacts_.erase(contacts_.begin() + static_cast<std::ptrdiff_t>(found->second));
+    positions_.clear();
+    Index(0);
   } else {
     contact.name = std::move(newName);
   }
   return true;
 }
 
-void Contacts::Index(std::size_t position) {
-  for (const std::string& number : contacts_[position].numbers) {
-    if (!number.empty()) positions_.emplace(number, position);
+void Contacts::Index(std::size_t first) {
+  for (std::size_t i = first; i < contacts_.size(); ++i) {
+    for (const std::string& number : contacts_[i].numbers) {
+      if (!number.empty()) positions_.emplace(number, i);
+    }
   }
 }
 

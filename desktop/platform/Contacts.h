@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace desk {
@@ -22,15 +23,13 @@ std::string DialledForm(std::string_view written);
 
 class Contacts {
  public:
-  Contacts() = default;
-  explicit Contacts(std::vector<Contact> contacts) { Replace(std::move(contacts)); }
+  explicit Contacts(std::vector<Contact> contacts) : contacts_(std::move(contacts)) { Index(0); }
 
   const std::vector<Contact>& All() const { return contacts_; }
 
   // The first contact that has exactly `number`; valid until the next change. Null: none.
   const Contact* FindByNumber(std::string_view number) const;
 
-  void Replace(std::vector<Contact> contacts);
   void Add(Contact contact);
 
   // Gives the contact of `number` a new name: a new contact when there is none, the contact's
@@ -38,7 +37,7 @@ class Contacts {
   bool Rename(std::string_view number, std::string newName);
 
  private:
-  void Index(std::size_t position);
+  void Index(std::size_t first);  // and all behind it
 
   std::vector<Contact> contacts_;
   std::unordered_map<std::string, std::size_t> positions_;  // by number

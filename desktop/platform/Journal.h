@@ -18,8 +18,6 @@ class Journal {
   void Add(std::string line);  // any thread
 
   std::vector<std::string> Lines() const;
-  // The lines that begin with one of the prefixes, such as "status" or "led".
-  std::vector<std::string> LinesOf(const std::vector<std::string>& prefixes) const;
   void Clear();
 
  private:

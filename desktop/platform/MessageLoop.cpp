@@ -51,10 +51,6 @@ void MessageLoop::Clear() {
   appMessages_.clear();
 }
 
-void MessageLoop::Post(const Message& message) {
-  PostWork([this, message] { Send(message); });
-}
-
 void MessageLoop::PostWork(std::function<void()> work) {
   const std::lock_guard<std::mutex> lock(mutex_);
   queue_.push_back(std::move(work));
@@ -96,9 +92,10 @@ std::optional<int> MessageLoop::Send(const Message& message) {
   const auto outerReply = std::exchange(reply_, std::nullopt);
   const std::vector<Handler> handlers = handlers_;  // a handler may register and unregister
   for (const Handler& handler : handlers) {
-    const bool inRange = handler.first <= message.message && message.message <= handler.last;
+    const auto& [first, last, handle] = handler;
+    const bool inRange = first <= message.message && message.message <= last;
     if (!inRange || !IsRegistered(handler)) continue;
-    const int result = handler.handle(msg);
+    const int result = handle(msg);
     if (observer_) observer_(message, result);
   }
   current_ = outerMessage;
@@ -115,15 +112,13 @@ void MessageLoop::NotifyApp(Message message) {
   journal_.Add(Format("app 0x%x %u %d", message.message, message.wParam, message.lParam) +
                (message.extra.empty() ? "" : " " + MaskCredentials(CString(message.extra))));
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (appMessages_.size() == kMaxKept) appMessages_.pop_front();
+  if (appMessages_.size() == kMaxKept) appMessages_.erase(appMessages_.begin());
   appMessages_.push_back(std::move(message));
 }
 
 std::vector<Message> MessageLoop::TakeAppMessages() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  std::vector<Message> taken(appMessages_.begin(), appMessages_.end());
-  appMessages_.clear();
-  return taken;
+  return std::exchange(appMessages_, {});
 }
 
 }  // namespace desk

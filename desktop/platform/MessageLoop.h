@@ -9,6 +9,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/EtlMsgHandler.h"
@@ -36,7 +37,9 @@ class MessageLoop {
   bool Unregister(unsigned int first, unsigned int last, EtlMsgHandle handle);
 
   // Queues a message, or a piece of work, for the loop's thread; any thread.
-  void Post(const Message& message);
+  void Post(const Message& message) {
+    PostWork([this, message] { Send(message); });
+  }
   void PostWork(std::function<void()> work);
 
   // Forgets the queue, the handlers and the application's messages.
@@ -71,14 +74,7 @@ class MessageLoop {
   std::vector<Message> TakeAppMessages();
 
  private:
-  struct Handler {
-    unsigned int first;
-    unsigned int last;
-    EtlMsgHandle handle;
-    bool operator==(const Handler& other) const {
-      return first == other.first && last == other.last && handle == other.handle;
-    }
-  };
+  using Handler = std::tuple<unsigned int, unsigned int, EtlMsgHandle>;  // first, last, function
 
   bool IsRegistered(const Handler& handler) const;
 
@@ -91,7 +87,7 @@ class MessageLoop {
 
   std::mutex mutex_;  // guards what follows
   std::deque<std::function<void()>> queue_;
-  std::deque<Message> appMessages_;
+  std::vector<Message> appMessages_;
 };
 
 }  // namespace desk

@@ -12,6 +12,7 @@
 #include <iterator>
 #include <limits>
 #include <sstream>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -27,7 +28,7 @@ using Reader = std::function<void(const toml::key&, const toml::node&)>;
 using Keys = std::map<std::string_view, Reader>;
 
 [[noreturn]] void Fail(const toml::source_region& where, const std::string& reason) {
-  throw ProfileError(*where.path + ":" + std::to_string(where.begin.line) + ": " + reason);
+  throw std::runtime_error(*where.path + ":" + std::to_string(where.begin.line) + ": " + reason);
 }
 
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
@@ -153,47 +154,37 @@ Reader ContactsInto(std::vector<Contact>& contacts) {
   });
 }
 
-std::string ReadFile(const std::filesystem::path& file, std::error_code& error) {
+std::string ReadFile(const std::filesystem::path& file) {
   // A folder can be opened like a file, but not read.
+  std::error_code error;
   const bool isFolder = std::filesystem::is_directory(file, error);
   if (isFolder) error = make_error_code(std::errc::is_a_directory);
-  if (error) return {};
   std::ifstream input(file, std::ios::binary);
-  if (!input) error.assign(errno, std::generic_category());
-  std::ostringstream text;
-  if (input) text << input.rdbuf();
-  return text.str();
+  if (!error && !input) error.assign(errno, std::generic_category());
+  if (error) throw std::runtime_error(file.string() + ": " + error.message());
+  return {std::istreambuf_iterator<char>(input), {}};
 }
 
-struct NamedFile {
-  std::filesystem::path path;
-  std::string text;
-};
-
-NamedFile ReadNamed(const std::filesystem::path& folder, const toml::node& value,
-                    std::string_view name) {
-  NamedFile file;
-  file.path = folder / ReadText(value, name);
-  std::error_code error;
-  file.text = ReadFile(file.path, error);
-  if (error) Fail(value.source(), "cannot read " + file.path.string() + ": " + error.message());
-  return file;
+std::string ReadNamed(const std::filesystem::path& file, const toml::node& value) try {
+  return ReadFile(file);
+} catch (const std::runtime_error& error) {
+  Fail(value.source(), std::string("cannot read ") + error.what());
 }
 
 Reader VCardsInto(std::vector<Contact>& contacts, const std::filesystem::path& folder) {
   return [&contacts, folder](const toml::key& key, const toml::node& value) {
-    const NamedFile file = ReadNamed(folder, value, key);
-    contacts = ParseVCards(file.text, file.path.string());
+    const std::filesystem::path file = folder / ReadText(value, key);
+    contacts = ParseVCards(ReadNamed(file, value), file.string());
   };
 }
 
 Reader CertificatesInto(std::string& path, const std::filesystem::path& folder) {
   return [&path, folder](const toml::key& key, const toml::node& value) {
-    const NamedFile file = ReadNamed(folder, value, key);
-    if (file.text.find("CERTIFICATE-----") == file.text.npos) {
-      Fail(value.source(), "no certificate (PEM) in " + file.path.string());
+    const std::filesystem::path file = folder / ReadText(value, key);
+    if (ReadNamed(file, value).find("CERTIFICATE-----") == std::string::npos) {
+      Fail(value.source(), "no certificate (PEM) in " + file.string());
     }
-    path = std::filesystem::absolute(file.path).string();  // the phone moves to its root
+    path = std::filesystem::absolute(file).string();  // the phone moves to its root
   };
 }
 
@@ -207,33 +198,31 @@ Reader LimitsInto(TransferLimits& limits, const std::filesystem::path& folder) {
                 {"ca_file", CertificatesInto(limits.ca_file, folder)}});
 }
 
-}  // namespace
-
-ProfileError::ProfileError(const std::string& message) : std::runtime_error(Printable(message)) {}
-
-Profile LoadProfile(const std::filesystem::path& file) try {
-  std::error_code error;
-  const std::string text = ReadFile(file, error);
-  if (error) throw ProfileError(file.string() + ": " + error.message());
+Profile ReadProfile(const toml::table& table, const std::filesystem::path& folder) {
   Profile profile;
   std::vector<Contact> addressBook;
-  ReadKeys(toml::parse(text, file.string()),
-           {{"timezone", Into(profile.timezone)},
-            {"config", Into(profile.config)},
-            {"network", Table({{"up", Into(profile.network_up)}})},
-            {"menu", Table({{"present", Into(profile.has_menu)}})},
-            {"account", AccountsInto(profile.accounts)},
-            {"contacts", Table({{"vcard", VCardsInto(addressBook, file.parent_path())}})},
-            {"contact", ContactsInto(profile.contacts)},
-            {"transfer", LimitsInto(profile.limits, file.parent_path())}});
+  ReadKeys(table, {{"timezone", Into(profile.timezone)},
+                   {"config", Into(profile.config)},
+                   {"network", Table({{"up", Into(profile.network_up)}})},
+                   {"menu", Table({{"present", Into(profile.has_menu)}})},
+                   {"account", AccountsInto(profile.accounts)},
+                   {"contacts", Table({{"vcard", VCardsInto(addressBook, folder)}})},
+                   {"contact", ContactsInto(profile.contacts)},
+                   {"transfer", LimitsInto(profile.limits, folder)}});
   std::move(addressBook.begin(), addressBook.end(), std::back_inserter(profile.contacts));
   return profile;
+}
+
+}  // namespace
+
+Profile LoadProfile(const std::filesystem::path& file) try {
+  return ReadProfile(toml::parse(ReadFile(file), file.string()), file.parent_path());
 } catch (const toml::parse_error& error) {
-  const toml::source_region& where = error.source();
-  throw ProfileError(file.string() + ":" + std::to_string(where.begin.line) + ": " +
-                     std::string(error.description()));
-} catch (const VCardError& error) {
-  throw ProfileError(error.what());
+  const std::string line = std::to_string(error.source().begin.line);
+  throw std::runtime_error(
+      Printable(file.string() + ":" + line + ": " + std::string(error.description())));
+} catch (const std::runtime_error& error) {
+  throw std::runtime_error(Printable(error.what()));
 }
 
 }  // namespace desk

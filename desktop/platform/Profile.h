@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -25,13 +24,8 @@ struct Profile {
   bool has_menu = true;
 };
 
-// what() is one line, "FILE:LINE: reason", or "FILE: reason" for a file that cannot be read.
-class ProfileError : public std::runtime_error {
- public:
-  explicit ProfileError(const std::string& message);
-};
-
-// Throws ProfileError for everything that is wrong in `file` or in what it names.
+// Throws std::runtime_error for everything that is wrong in `file` or in what it names. what() is
+// one line, "FILE:LINE: reason", or "FILE: reason" for a file that cannot be read.
 Profile LoadProfile(const std::filesystem::path& file);
 
 }  // namespace desk

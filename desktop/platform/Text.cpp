@@ -4,18 +4,16 @@
 #include <utf8proc.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <new>
 
 namespace desk {
 
 std::string FormatV(const char* format, va_list arguments) {
-  va_list measured;
-  va_copy(measured, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  if (length < 0) return {};
-  std::string text(static_cast<std::size_t>(length) + 1, '\0');
-  std::vsnprintf(text.data(), text.size(), format, arguments);
-  text.pop_back();
+  char* text = nullptr;
+  if (vasprintf(&text, format, arguments) < 0) throw std::bad_alloc();
+  const std::unique_ptr<char, decltype(&std::free)> owned(text, std::free);
   return text;
 }
 

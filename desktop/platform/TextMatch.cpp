@@ -4,9 +4,7 @@
 
 #include <utf8proc.h>
 
-#include <algorithm>
 #include <array>
-#include <optional>
 
 #include "desktop/platform/Text.h"
 
@@ -57,44 +55,22 @@ void MoveCharacter(std::string_view* text, std::u32string* characters) {
   }
 }
 
-// Gives the folded characters of a text one by one: a caller's name can be long, and mostly its
-// first letter decides.
-class FoldedText {
- public:
-  explicit FoldedText(std::string_view text) : rest_(text) {}
-
-  // Nothing at the end.
-  std::optional<char32_t> Next() {
-    while (position_ == ahead_.size()) {
-      if (rest_.empty()) return std::nullopt;
-      Refill();
-    }
-    return last_ = ahead_[position_++];
-  }
-
- private:
-  void Refill() {
+// The folded characters of `text`, at least as many as are wanted where it has them: a caller's
+// name can be long, and mostly its first letter decides.
+std::u32string Folded(std::string_view text, std::size_t wanted) {
+  std::u32string folded;
+  while (!text.empty() && folded.size() < wanted) {
     std::u32string characters;
-    MoveCharacter(&rest_, &characters);
-    ahead_.clear();
-    position_ = 0;
+    MoveCharacter(&text, &characters);
     for (const char32_t c : characters) {
       const std::u32string letters = FoldCharacter(c);
       // An accent on a malformed byte stays: without it, the bytes around might form a character.
-      const bool onMalformed = (ahead_.empty() ? last_ : ahead_.back()) >= kMalformed;
-      if (letters.empty() && onMalformed) {
-        ahead_ += c;
-      } else {
-        ahead_ += letters;
-      }
+      const bool onMalformed = !folded.empty() && folded.back() >= kMalformed;
+      folded += letters.empty() && onMalformed ? std::u32string(1, c) : letters;
     }
   }
-
-  std::string_view rest_;
-  std::u32string ahead_;  // the folded form of the character read last
-  std::size_t position_ = 0;
-  char32_t last_ = 0;
-};
+  return folded;
+}
 
 void AppendEncoded(std::string& text, char32_t c) {
   if (c >= kMalformed) {
@@ -107,10 +83,6 @@ void AppendEncoded(std::string& text, char32_t c) {
 }
 
 }  // namespace
-
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return IsAsciiCharacter(ToByte(c)); });
-}
 
 std::u32string ReadCharacters(std::string_view text) {
   std::u32string characters;
@@ -136,13 +108,7 @@ std::u32string FoldCharacter(char32_t character) {
 
 std::string FoldText(std::string_view text) {
   std::string folded;
-  folded.reserve(text.size());
-  if (IsAscii(text)) {
-    for (const char c : text) folded += static_cast<char>(AsciiToLower(ToByte(c)));
-  } else {
-    FoldedText characters(text);
-    while (const auto c = characters.Next()) AppendEncoded(folded, *c);
-  }
+  for (const char32_t c : Folded(text, std::u32string::npos)) AppendEncoded(folded, c);
   return folded;
 }
 
@@ -155,11 +121,8 @@ bool BeginsWith(std::string_view text, std::string_view key) {
     text.remove_prefix(1);
     key.remove_prefix(1);
   }
-  FoldedText inText(text), inKey(key);
-  while (const auto c = inKey.Next()) {
-    if (inText.Next() != c) return false;
-  }
-  return true;
+  const std::u32string wanted = Folded(key, std::u32string::npos);
+  return Folded(text, wanted.size()).compare(0, wanted.size(), wanted) == 0;
 }
 
 }  // namespace desk

@@ -16,8 +16,6 @@ std::string FoldText(std::string_view text);
 // text.
 bool BeginsWith(std::string_view text, std::string_view key);
 
-bool IsAscii(std::string_view text);
-
 // A byte that is not part of well-formed UTF-8 is read as the character kMalformed + byte, beyond
 // all of Unicode: it is like nothing but itself.
 inline constexpr char32_t kMalformed = 0x110000;

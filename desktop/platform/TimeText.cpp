@@ -3,9 +3,9 @@
 
 #include <time.h>
 
-#include <array>
-#include <cstdio>
 #include <optional>
+
+#include "desktop/platform/Text.h"
 
 namespace desk {
 namespace {
@@ -18,17 +18,16 @@ std::optional<std::tm> LocalTime(std::time_t time) {
   return local;
 }
 
-std::string Format(const std::tm& local, const char* format) {
-  std::array<char, 64> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), format, &local)};
+std::string Day(const std::tm& local) {
+  return Format("%02d-%02d", local.tm_mon + 1, local.tm_mday);
 }
 
-// strftime's year runs over at the end of what an int holds.
 std::string Date(const std::tm& local) {
-  const long long year = local.tm_year + 1900LL;
-  std::array<char, 32> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%04lld", year);
-  return std::string(text.data(), static_cast<std::size_t>(length)) + Format(local, "-%m-%d");
+  return Format("%04lld-", local.tm_year + 1900LL) + Day(local);
+}
+
+std::string Minute(const std::tm& local) {
+  return Format("%02d:%02d", local.tm_hour, local.tm_min);
 }
 
 }  // namespace
@@ -38,15 +37,14 @@ std::string ListTimeText(std::time_t time, std::time_t now, std::string_view sep
   if (!local) return std::to_string(time);
   const auto today = LocalTime(now);
   if (!today || local->tm_year != today->tm_year) return Date(*local);
-  std::string clock = Format(*local, "%H:%M");
-  if (local->tm_yday == today->tm_yday) return clock;
-  return Format(*local, "%m-%d").append(separator) + clock;
+  if (local->tm_yday == today->tm_yday) return Minute(*local);
+  return Day(*local).append(separator) + Minute(*local);
 }
 
 std::string FullTimeText(std::time_t time, std::string_view separator) {
   const auto local = LocalTime(time);
   if (!local) return std::to_string(time);
-  return Date(*local).append(separator) + Format(*local, "%H:%M:%S");
+  return Date(*local).append(separator) + Minute(*local) + Format(":%02d", local->tm_sec);
 }
 
 }  // namespace desk

@@ -19,7 +19,6 @@ class Trace {
 
   // Writes lines up to `level` out as well; 0 writes none.
   void SetLevel(int level) { level_ = level; }
-  int Level() const { return level_; }
   // Sends them to the end of `file` instead of standard error. False when it cannot be opened.
   bool SetFile(const std::filesystem::path& file);
 

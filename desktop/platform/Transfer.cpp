@@ -19,6 +19,14 @@ namespace {
 
 TransferService* current = nullptr;
 
+// Why its document is not there; empty when it is.
+std::string MoveInPlace(Transfer& transfer) {
+  Download& download = *transfer.download;
+  if (!download.error.empty()) return std::move(download.error);
+  if (download.file.MoveTo(transfer.localPath)) return {};
+  return "cannot replace the local file: " + std::generic_category().message(errno);
+}
+
 }  // namespace
 
 TransferService::TransferService(MessageLoop& loop, Trace& trace, const TransferLimits& limits)
@@ -45,15 +53,12 @@ bool TransferService::Start(Transfer& transfer) {
   if (transfer.state != Transfer::State::kNew || !transfer.read) return false;
   if (thread_ == nullptr) {
     thread_ = std::make_unique<TransferThread>(
-        limits_, [this](unsigned int id) { loop_.PostWork([this, id] { OnEnded(id); }); });
+        [this](unsigned int id) { loop_.PostWork([this, id] { OnEnded(id); }); });
   }
-  const auto download = std::make_shared<Download>();
-  download->id = transfer.id;
-  download->target = transfer.localPath;
-  download->url = *SplitUrl(transfer.remoteUrl);
-  const std::future<void> ended = download->ended.get_future();
-  thread_->Start(download);
-  transfer.download = download;
+  transfer.download = std::make_shared<Download>(transfer.id, transfer.localPath,
+                                                 *SplitUrl(transfer.remoteUrl), limits_);
+  const std::future<void> ended = transfer.download->ended.get_future();
+  thread_->Start(transfer.download);
   transfer.state = Transfer::State::kRunning;
   if (transfer.sync) ended.wait();
   return true;
@@ -72,24 +77,19 @@ void TransferService::LetThrough() {
 }
 
 void TransferService::Complete(unsigned int id) {
-  const auto found = std::find_if(transfers_.begin(), transfers_.end(),
-                                  [&](const auto& transfer) { return transfer->id == id; });
-  if (found == transfers_.end() || (*found)->state != Transfer::State::kRunning) return;
-  Transfer& transfer = **found;
-  std::string error = std::move(transfer.download->error);
-  if (error.empty() && !transfer.download->file.MoveTo(transfer.localPath)) {
-    error = "cannot replace the local file: " + std::generic_category().message(errno);
-  }
-  transfer.download.reset();  // a failed one leaves nothing behind
-  transfer.state = error.empty() ? Transfer::State::kSucceeded : Transfer::State::kFailed;
+  Transfer* const transfer = Find(id);
+  if (transfer == nullptr || transfer->state != Transfer::State::kRunning) return;
+  const std::string error = MoveInPlace(*transfer);
+  transfer->download.reset();  // a failed one leaves nothing behind
+  transfer->state = error.empty() ? Transfer::State::kSucceeded : Transfer::State::kFailed;
   if (!error.empty()) {
-    Quietly([&] { trace_.Write(2, "transfer of " + transfer.remoteUrl + " failed: " + error); });
+    Quietly([&] { trace_.Write(2, "transfer of " + transfer->remoteUrl + " failed: " + error); });
   }
-  if (transfer.callback == nullptr) return;
+  if (transfer->callback == nullptr) return;
   ETL_MsgQueueHelper::msgObject message;
   message.message = kEndedMessage;
   message.wParam = id;
-  transfer.callback->TryThreadMessage(message);
+  transfer->callback->TryThreadMessage(message);
 }
 
 void TransferService::Stop(Transfer& transfer) {
@@ -99,32 +99,38 @@ void TransferService::Stop(Transfer& transfer) {
   transfer.state = Transfer::State::kFailed;
 }
 
+template <class Condition>
+void TransferService::DestroyIf(Condition condition) {
+  const auto gone =
+      std::stable_partition(transfers_.begin(), transfers_.end(),
+                            [&](const auto& transfer) { return !condition(*transfer); });
+  std::for_each(gone, transfers_.end(), [this](const auto& transfer) { Stop(*transfer); });
+  transfers_.erase(gone, transfers_.end());
+}
+
 void TransferService::Destroy(const NS_TA::CTaskAction* action) {
-  const auto found = std::find_if(transfers_.begin(), transfers_.end(),
-                                  [&](const auto& transfer) { return transfer.get() == action; });
-  if (found == transfers_.end()) return;
-  Stop(**found);
-  transfers_.erase(found);
+  DestroyIf([=](const Transfer& transfer) { return &transfer == action; });
 }
 
 void TransferService::Detach(const NS_TA::CTaskActionCallbackBase* callback) {
-  for (auto transfer = transfers_.begin(); transfer != transfers_.end();) {
-    if ((*transfer)->callback == callback) {
-      Stop(**transfer);
-      transfer = transfers_.erase(transfer);
-    } else {
-      ++transfer;
-    }
+  DestroyIf([=](const Transfer& transfer) { return transfer.callback == callback; });
+}
+
+void TransferService::Clear() {
+  DestroyIf([](const Transfer&) { return true; });
+}
+
+Transfer* TransferService::Find(unsigned int id) const {
+  for (const auto& transfer : transfers_) {
+    if (transfer->id == id) return transfer.get();
   }
+  return nullptr;
 }
 
 Transfer* TransferService::FindEnded(unsigned int id) const {
-  for (const auto& transfer : transfers_) {
-    const bool ended = transfer->state == Transfer::State::kSucceeded ||
-                       transfer->state == Transfer::State::kFailed;
-    if (transfer->id == id && ended) return transfer.get();
-  }
-  return nullptr;
+  Transfer* const transfer = Find(id);
+  const bool ended = transfer != nullptr && transfer->state > Transfer::State::kRunning;
+  return ended ? transfer : nullptr;
 }
 
 std::size_t TransferService::Running() const {
@@ -132,11 +138,6 @@ std::size_t TransferService::Running() const {
     return transfer->state == Transfer::State::kRunning;
   };
   return static_cast<std::size_t>(std::count_if(transfers_.begin(), transfers_.end(), running));
-}
-
-void TransferService::Clear() {
-  for (const auto& transfer : transfers_) Stop(*transfer);
-  transfers_.clear();
 }
 
 }  // namespace desk

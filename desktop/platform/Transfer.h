@@ -77,7 +77,10 @@ class TransferService {
   void Clear();
 
  private:
+  Transfer* Find(unsigned int id) const;
   void Stop(Transfer& transfer);
+  template <class Condition>
+  void DestroyIf(Condition condition);
   void OnEnded(unsigned int id);
   void Complete(unsigned int id);
 

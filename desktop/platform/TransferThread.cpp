@@ -4,8 +4,8 @@
 
 #include <signal.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -32,46 +32,67 @@ std::size_t OnBody(char* bytes, std::size_t, std::size_t size, void* context) {
   constexpr std::size_t kFailed = 0;
   Download& download = *static_cast<Download*>(context);
   download.lastByte = SteadyClock::now();
-  if (size > download.bytesLeft) {
+  download.bytes += size;
+  if (download.bytes > static_cast<std::size_t>(download.limits.max_bytes)) {
     download.error = "the document is too long";
     return kFailed;
   }
-  download.bytesLeft -= size;
   if (download.file.Write(bytes, size)) return size;
   download.error = ErrorText("cannot write", errno);
   return kFailed;
 }
 
-bool Configure(Download& download, const TransferLimits& limits) {
-  bool good = true;
-  const auto set = [&](CURLoption option, auto value) {
-    good = curl_easy_setopt(download.handle.get(), option, value) == CURLE_OK && good;
-  };
-  set(CURLOPT_URL, download.url.address.c_str());
-  set(CURLOPT_PROTOCOLS_STR, "http,https");  // of redirects, too
-  set(CURLOPT_PROXY, "");  // whatever the environment says: it would see the credentials
-  set(CURLOPT_SSL_VERIFYPEER, 1L);
-  set(CURLOPT_SSL_VERIFYHOST, 2L);
-  if (!limits.ca_file.empty()) set(CURLOPT_CAINFO, limits.ca_file.c_str());
-  if (!download.url.user.empty() || !download.url.password.empty()) {
-    set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
-    set(CURLOPT_USERNAME, download.url.user.c_str());
-    set(CURLOPT_PASSWORD, download.url.password.c_str());
-    set(CURLOPT_UNRESTRICTED_AUTH, 0L);
+int OnProgress(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  constexpr int kFailed = 1;
+  Download& download = *static_cast<Download*>(context);
+  const int idle = download.limits.idle_seconds;
+  if (download.stopped) return kFailed;
+  if (!download.lastByte || SteadyClock::now() - *download.lastByte < std::chrono::seconds(idle)) {
+    return 0;
   }
-  set(CURLOPT_FAILONERROR, 1L);
-  set(CURLOPT_FOLLOWLOCATION, 1L);
-  set(CURLOPT_MAXREDIRS, static_cast<long>(limits.max_redirects));
-  set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connect_seconds));
-  set(CURLOPT_TIMEOUT, static_cast<long>(limits.total_seconds));
-  set(CURLOPT_NOSIGNAL, 1L);
-  set(CURLOPT_PREREQFUNCTION, OnConnected);
-  set(CURLOPT_PREREQDATA, &download);
-  set(CURLOPT_HEADERFUNCTION, OnHeader);
-  set(CURLOPT_HEADERDATA, &download);
-  set(CURLOPT_WRITEFUNCTION, OnBody);
-  set(CURLOPT_WRITEDATA, &download);
-  return good;
+  download.error = Format("no byte for %d s", idle);
+  return kFailed;
+}
+
+template <class Value>
+void Set(const Download& download, CURLoption option, Value value) {
+  const CURLcode result = curl_easy_setopt(download.handle.get(), option, value);
+  if (result != CURLE_OK) throw std::bad_alloc();
+}
+
+// What is asked of whom. As by default, certificates must be good, and credentials are for the
+// first host alone.
+void SetRequest(const Download& download) {
+  const TransferUrl& url = download.url;
+  Set(download, CURLOPT_URL, url.address.c_str());
+  Set(download, CURLOPT_PROTOCOLS_STR, "http,https");  // of redirects, too
+  Set(download, CURLOPT_PROXY, "");  // whatever the environment says: it would see the credentials
+  Set(download, CURLOPT_FAILONERROR, 1L);
+  Set(download, CURLOPT_FOLLOWLOCATION, 1L);
+  if (url.user.empty() && url.password.empty()) return;
+  Set(download, CURLOPT_USERNAME, url.user.c_str());
+  Set(download, CURLOPT_PASSWORD, url.password.c_str());
+}
+
+void SetLimits(const Download& download) {
+  const TransferLimits& limits = download.limits;
+  if (!limits.ca_file.empty()) Set(download, CURLOPT_CAINFO, limits.ca_file.c_str());
+  Set(download, CURLOPT_MAXREDIRS, static_cast<long>(limits.max_redirects));
+  Set(download, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connect_seconds));
+  Set(download, CURLOPT_TIMEOUT, static_cast<long>(limits.total_seconds));
+}
+
+void SetCallbacks(Download& download) {
+  Set(download, CURLOPT_NOSIGNAL, 1L);
+  Set(download, CURLOPT_NOPROGRESS, 0L);
+  Set(download, CURLOPT_XFERINFOFUNCTION, OnProgress);
+  Set(download, CURLOPT_XFERINFODATA, &download);
+  Set(download, CURLOPT_PREREQFUNCTION, OnConnected);
+  Set(download, CURLOPT_PREREQDATA, &download);
+  Set(download, CURLOPT_HEADERFUNCTION, OnHeader);
+  Set(download, CURLOPT_HEADERDATA, &download);
+  Set(download, CURLOPT_WRITEFUNCTION, OnBody);
+  Set(download, CURLOPT_WRITEDATA, &download);
 }
 
 // Why it failed; empty when it did not.
@@ -99,10 +120,9 @@ CURLM* MakeMulti() {
 
 }  // namespace
 
-TransferThread::TransferThread(const TransferLimits& limits, OnEnded onEnded)
-    : limits_(limits),
-      onEnded_(std::move(onEnded)),
-      multi_(MakeMulti()),
+TransferThread::TransferThread(OnEnded onEnded)
+    : onEnded_(std::move(onEnded)),
+      multi_(MakeMulti(), curl_multi_cleanup),
       thread_([this] { Run(); }) {}
 
 TransferThread::~TransferThread() {
@@ -130,6 +150,7 @@ void TransferThread::Stop(Download& download) {
 void TransferThread::WakeUp() { curl_multi_wakeup(multi_.get()); }
 
 void TransferThread::Run() {
+  constexpr int kHour = 3600 * 1000, kLook = 100;  // milliseconds
   // Signals are for the program's own thread; one that TLS can raise is for nobody.
   sigset_t all;
   sigfillset(&all);
@@ -138,8 +159,7 @@ void TransferThread::Run() {
     int ignored = 0;
     curl_multi_perform(multi_.get(), &ignored);
     EndDone();
-    DropStopped();
-    const auto wait = static_cast<int>(EndIdle().count());
+    const int wait = running_.empty() ? kHour : kLook;
     curl_multi_poll(multi_.get(), nullptr, 0, wait, nullptr);
   }
   while (!running_.empty()) Remove(running_.begin());
@@ -164,17 +184,18 @@ bool TransferThread::Admit() {
   return true;
 }
 
-bool TransferThread::Open(Download& download) {
+bool TransferThread::Open(Download& download) try {
   if (!download.file.CreateBeside(download.target)) {
     download.error = ErrorText("no file for it", errno);
     return false;
   }
-  download.bytesLeft = static_cast<std::size_t>(limits_.max_bytes);
   download.handle.reset(curl_easy_init());
-  if (download.handle != nullptr && Configure(download, limits_) &&
-      curl_multi_add_handle(multi_.get(), download.handle.get()) == CURLM_OK) {
-    return true;
-  }
+  SetRequest(download);
+  SetLimits(download);
+  SetCallbacks(download);
+  if (curl_multi_add_handle(multi_.get(), download.handle.get()) == CURLM_OK) return true;
+  throw std::bad_alloc();
+} catch (const std::bad_alloc&) {
   download.error = "out of memory";
   return false;
 }
@@ -182,34 +203,11 @@ bool TransferThread::Open(Download& download) {
 void TransferThread::EndDone() {
   int left = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    if (message->msg != CURLMSG_DONE) continue;
     const auto found = running_.find(message->easy_handle);
-    if (message->msg == CURLMSG_DONE) End(found, ErrorOf(*found->second, message->data.result));
+    found->second->error = ErrorOf(*found->second, message->data.result);
+    PostEnd(Remove(found));
   }
-}
-
-void TransferThread::DropStopped() {
-  for (auto next = running_.begin(); next != running_.end();) {
-    const auto download = next++;
-    if (download->second->stopped) Remove(download);
-  }
-}
-
-// How long to wait for the next one that might have to end.
-std::chrono::milliseconds TransferThread::EndIdle() {
-  using std::chrono::milliseconds;
-  const auto now = SteadyClock::now();
-  milliseconds wait = std::chrono::hours(1);
-  for (auto next = running_.begin(); next != running_.end();) {
-    const auto download = next++;
-    if (!download->second->lastByte) continue;
-    const auto end = *download->second->lastByte + std::chrono::seconds(limits_.idle_seconds);
-    if (end <= now) {
-      End(download, Format("no byte for %d s", limits_.idle_seconds));
-    } else {
-      wait = std::min(wait, std::chrono::ceil<milliseconds>(end - now));
-    }
-  }
-  return wait;
 }
 
 std::shared_ptr<Download> TransferThread::Remove(Running::iterator running) {
@@ -218,12 +216,6 @@ std::shared_ptr<Download> TransferThread::Remove(Running::iterator running) {
   curl_multi_remove_handle(multi_.get(), download->handle.get());
   download->handle.reset();
   return download;
-}
-
-void TransferThread::End(Running::iterator running, std::string error) {
-  std::shared_ptr<Download> download = Remove(running);
-  download->error = std::move(error);
-  PostEnd(std::move(download));
 }
 
 void TransferThread::PostEnd(std::shared_ptr<Download> download) {

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "desktop/platform/PrivateFile.h"
@@ -24,26 +25,22 @@ namespace desk {
 
 using SteadyClock = std::chrono::steady_clock;
 
-struct EasyCleanup {
-  void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-};
-
-struct MultiCleanup {
-  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-};
-
 // One transfer under way. The service's thread has it to itself until it has posted the end, but
 // for `stopped`.
 struct Download {
-  unsigned int id = 0;
-  std::string target;
-  TransferUrl url;
+  Download(unsigned int itsId, std::string path, TransferUrl from, const TransferLimits& itsLimits)
+      : id(itsId), target(std::move(path)), url(std::move(from)), limits(itsLimits) {}
+
+  const unsigned int id;
+  const std::string target;
+  const TransferUrl url;
+  const TransferLimits limits;
   std::atomic<bool> stopped{false};
   std::promise<void> ended;
 
   PrivateFile file;
-  std::unique_ptr<CURL, EasyCleanup> handle;
-  std::size_t bytesLeft = 0;
+  std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle{nullptr, curl_easy_cleanup};
+  std::size_t bytes = 0;
   std::optional<SteadyClock::time_point> lastByte;  // none as long as there is no connection
   std::string error;
 };
@@ -52,7 +49,7 @@ class TransferThread {
  public:
   using OnEnded = std::function<void(unsigned int id)>;  // called on this thread
 
-  TransferThread(const TransferLimits& limits, OnEnded onEnded);
+  explicit TransferThread(OnEnded onEnded);
   ~TransferThread();  // stops what runs
 
   void Start(std::shared_ptr<Download> download);
@@ -66,15 +63,11 @@ class TransferThread {
   bool Admit();
   bool Open(Download& download);
   void EndDone();
-  void DropStopped();
-  std::chrono::milliseconds EndIdle();
   std::shared_ptr<Download> Remove(Running::iterator running);
-  void End(Running::iterator running, std::string error);
   void PostEnd(std::shared_ptr<Download> download);
 
-  const TransferLimits limits_;
   const OnEnded onEnded_;
-  const std::unique_ptr<CURLM, MultiCleanup> multi_;
+  const std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> multi_;
   Running running_;  // the thread's own
 
   std::mutex mutex_;  // guards what follows

@@ -2,7 +2,6 @@
 #include "desktop/platform/TransferUrl.h"
 
 #include <curl/curl.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <memory>
@@ -11,10 +10,6 @@ namespace desk {
 namespace {
 
 constexpr std::string_view kSchemeEnd = "://";
-
-bool IsWebScheme(const std::string& scheme) {
-  return strcasecmp(scheme.c_str(), "http") == 0 || strcasecmp(scheme.c_str(), "https") == 0;
-}
 
 // What stands at the start of `rest`, which follows "://", before a path or a query.
 std::string_view Authority(std::string_view rest) {
@@ -56,22 +51,21 @@ std::size_t CredentialsEnd(std::string_view rest) {
 
 std::optional<TransferUrl> SplitUrl(std::string_view url) {
   const std::size_t schemeEnd = url.find(kSchemeEnd);
-  if (schemeEnd == url.npos || !IsWebScheme(std::string(url.substr(0, schemeEnd)))) return {};
+  if (schemeEnd == url.npos) return {};
   const std::size_t start = schemeEnd + kSchemeEnd.size();
   const std::string_view authority = Authority(url.substr(start));
   const std::size_t at = authority.rfind('@');
   const std::string_view credentials = authority.substr(0, at == url.npos ? 0 : at);
-  const std::string_view host = authority.substr(at == url.npos ? 0 : at + 1);
+  const std::string_view host = authority.substr(at + 1);  // all of it when there is no "@"
   if (host.empty()) return {};  // the parser would take the path's first part for it
 
-  TransferUrl split;
-  const std::size_t colon = credentials.find(':');
-  split.user = credentials.substr(0, colon);
-  if (colon != credentials.npos) split.password = credentials.substr(colon + 1);
+  const std::size_t colon = std::min(credentials.find(':'), credentials.size());
   const std::string_view path = url.substr(start + authority.size());
-  split.address = Escaped(std::string(url.substr(0, start)).append(host).append(path));
-  if (split.address.empty()) return {};
-  return split;
+  const std::string plain = std::string(url.substr(0, start)).append(host).append(path);
+  TransferUrl split = {Escaped(plain), std::string(credentials.substr(0, colon)),
+                       std::string(credentials.substr(std::min(colon + 1, credentials.size())))};
+  const bool isWeb = split.address.rfind("http", 0) == 0;  // no other scheme begins like this
+  return isWeb ? std::optional(split) : std::nullopt;
 }
 
 std::string MaskCredentials(std::string_view text) {

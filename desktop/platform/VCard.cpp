@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <sstream>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +17,9 @@ namespace desk {
 namespace {
 
 constexpr auto kNone = std::string_view::npos;
+constexpr char kBegin[] = "BEGIN:VCARD";
+constexpr char kNoCard[] = "not a vCard: BEGIN:VCARD expected";
+constexpr char kNoEnd[] = "the card has no END:VCARD";
 
 std::string Upper(std::string_view text) {
   std::string upper(text);
@@ -69,6 +73,7 @@ bool HasSoftBreak(std::string_view line) {
          Contains(Upper(line.substr(0, line.find(':'))), "QUOTED-PRINTABLE");
 }
 
+// Without the blank ones.
 std::vector<Line> UnfoldedLines(const std::string& text) {
   std::vector<Line> lines;
   std::istringstream input(text);
@@ -85,6 +90,8 @@ std::vector<Line> UnfoldedLines(const std::string& text) {
       lines.push_back({number, line});
     }
   }
+  const auto isBlank = [](const Line& each) { return each.text.find_first_not_of(" \t") == kNone; };
+  lines.erase(std::remove_if(lines.begin(), lines.end(), isBlank), lines.end());
   return lines;
 }
 
@@ -129,38 +136,45 @@ void Store(const Property& property, Contact& contact) {
   }
 }
 
+struct Fault {
+  std::size_t line;
+  const char* reason;
+};
+
+void Check(bool good, std::size_t line, const char* reason) {
+  if (!good) throw Fault{line, reason};
+}
+
+// The card that begins at `line`, which moves to its end.
+Contact ReadCard(std::vector<Line>::const_iterator* line, std::vector<Line>::const_iterator end) {
+  const std::size_t begin = (*line)->number;
+  Contact contact;
+  while (++*line != end && Upper((*line)->text) != "END:VCARD") {
+    Check(Upper((*line)->text) != kBegin, begin, kNoEnd);
+    const Property property = ParseProperty((*line)->text);
+    Check(!property.name.empty(), (*line)->number, "neither a property nor END:VCARD");
+    const bool readable = property.name != "FN" || IsUtf8(property.value);
+    Check(readable, (*line)->number, "FN is not in UTF-8");
+    Store(property, contact);
+  }
+  Check(*line != end, begin, kNoEnd);
+  return contact;
+}
+
 }  // namespace
 
-std::vector<Contact> ParseVCards(const std::string& text, const std::string& source) {
-  const auto check = [&](bool good, std::size_t line, const char* reason) {
-    if (!good) throw VCardError(source + ":" + std::to_string(line) + ": " + reason);
-  };
+std::vector<Contact> ParseVCards(const std::string& text, const std::string& source) try {
+  const std::vector<Line> lines = UnfoldedLines(text);
+  Check(!lines.empty(), 1, kNoCard);
   std::vector<Contact> contacts;
-  Contact contact;
-  bool anyCard = false;
-  std::size_t begin = 0;  // line of the card being read; 0: between cards
-  for (const Line& line : UnfoldedLines(text)) {
-    if (line.text.find_first_not_of(" \t") == kNone) continue;
-    const bool isBegin = Upper(line.text) == "BEGIN:VCARD";
-    if (begin == 0) {
-      check(isBegin, line.number, "not a vCard: BEGIN:VCARD expected");
-      contact = {};
-      begin = line.number;
-      anyCard = true;
-    } else if (Upper(line.text) == "END:VCARD") {
-      begin = 0;
-      if (!contact.name.empty() && !contact.numbers.empty()) contacts.push_back(contact);
-    } else {
-      const Property property = ParseProperty(line.text);
-      check(!isBegin, begin, "the card has no END:VCARD");
-      check(!property.name.empty(), line.number, "neither a property nor END:VCARD");
-      check(property.name != "FN" || IsUtf8(property.value), line.number, "FN is not in UTF-8");
-      Store(property, contact);
-    }
+  for (auto line = lines.begin(); line != lines.end(); ++line) {
+    Check(Upper(line->text) == kBegin, line->number, kNoCard);
+    Contact contact = ReadCard(&line, lines.end());
+    if (!contact.name.empty() && !contact.numbers.empty()) contacts.push_back(std::move(contact));
   }
-  check(begin == 0, begin, "the card has no END:VCARD");
-  check(anyCard, 1, "not a vCard: BEGIN:VCARD expected");
   return contacts;
+} catch (const Fault& fault) {
+  throw std::runtime_error(source + ":" + std::to_string(fault.line) + ": " + fault.reason);
 }
 
 }  // namespace desk

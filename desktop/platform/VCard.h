@@ -2,7 +2,6 @@
 // Opening files is left to the caller.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -10,14 +9,8 @@
 
 namespace desk {
 
-// what() is one line, "SOURCE:LINE: reason".
-class VCardError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// The cards of `text` that have a name and a number, in order; the others are skipped. `source`
-// names the text in errors. Throws VCardError when the text holds no card or a damaged one.
+// The cards of `text` that have a name and a number, in order; the others are skipped. Throws
+// std::runtime_error, "SOURCE:LINE: reason", when the text holds no card or a damaged one.
 std::vector<Contact> ParseVCards(const std::string& text, const std::string& source);
 
 }  // namespace desk

@@ -3,23 +3,19 @@
 
 #include <tinyxml.h>
 
-#include <charconv>
+#include <algorithm>
+#include <cctype>
 #include <climits>
-#include <string_view>
-#include <system_error>
+#include <cstdlib>
 
 namespace {
 
 // A whole decimal number, clamped to int.
-bool ParseDecimal(std::string_view text, int* value) {
-  if (!text.empty() && text.front() == '+') {
-    text.remove_prefix(1);
-    if (!text.empty() && text.front() == '-') return false;
-  }
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, *value);
-  if (stop != end || error == std::errc::invalid_argument) return false;
-  if (error == std::errc::result_out_of_range) *value = text.front() == '-' ? INT_MIN : INT_MAX;
+bool ParseDecimal(const char* text, int* value) {
+  char* end = nullptr;
+  const long number = std::strtol(text, &end, 10);
+  if (end == text || *end != '\0' || std::isspace(static_cast<unsigned char>(*text))) return false;
+  *value = static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
   return true;
 }
 

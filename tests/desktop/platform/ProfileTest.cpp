@@ -1,15 +1,14 @@
 // The desktop phone's profile file, and the accounts it sets up.
 #include "desktop/platform/Profile.h"
 
-#include <map>
+#include <stdexcept>
 
 #include "desktop/platform/Accounts.h"
+#include "desktop/platform/Text.h"
 #include "tests/support/PhoneTest.h"
 
 namespace desk {
 namespace {
-
-using Config = std::map<std::string, int>;
 
 // The working directory holds the profile and its address book.
 class ProfileTest : public PhoneTest {
@@ -17,29 +16,38 @@ class ProfileTest : public PhoneTest {
   static std::string ErrorOf(const std::string& file) {
     try {
       LoadProfile(file);
-    } catch (const ProfileError& error) {
+    } catch (const std::runtime_error& error) {
       return error.what();
     }
     return "accepted";
   }
 
-  static std::vector<int> Settings(const Profile& profile) {
+  // Each setting and entry by itself.
+  static Strings Shown(const Profile& profile) {
     const TransferLimits& limits = profile.limits;
-    return {profile.network_up,  profile.has_menu,     limits.max_bytes,    limits.connect_seconds,
-            limits.idle_seconds, limits.total_seconds, limits.max_redirects};
+    Strings shown = {
+        profile.timezone + Format(" %d %d", profile.network_up, profile.has_menu),
+        Format("%d %d %d ", limits.max_bytes, limits.connect_seconds, limits.idle_seconds) +
+            Format("%d %d ", limits.total_seconds, limits.max_redirects) + limits.ca_file};
+    for (const auto& [key, value] : profile.config) shown.push_back(key + Format("=%d", value));
+    for (const Account& account : profile.accounts) {
+      shown.push_back(account.FullName() + Format(" %d %d %d", account.GetAccountId(),
+                                                  account.IsAccountUsable(),
+                                                  account.IsSaveMissCallLog()));
+    }
+    for (const Contact& contact : profile.contacts) {
+      shown.push_back(contact.name + "|" + contact.photo);
+      shown = shown + contact.numbers;
+    }
+    return shown;
   }
 };
 
-TEST_F(ProfileTest, ReadsEverySetting) {
-  WriteFile("book.vcf", "BEGIN:VCARD\r\nFN:Ελένη\r\nTEL:61 3\r\nEND:VCARD\r\n");
-  WriteFile("ca.pem", "-----BEGIN CERTIFICATE-----\n");
-  WriteFile("profile.toml", R"(timezone = "Europe/Berlin"
+constexpr char kEverySetting[] = R"(timezone = "Europe/Berlin"
 network.up = false
 menu.present = false
 contacts.vcard = "book.vcf"
-[config]
-HistorySavedSwitch = 0
-"Any key" = -2147483648
+config = {HistorySavedSwitch = 0, "Any key" = -2147483648}
 [transfer]
 max_bytes = 1
 connect_seconds = 3600
@@ -60,91 +68,71 @@ server = "sip.example.com"
 name = "Stéphane Müller"
 numbers = ["+44 (1632) 960-101", "612"]
 photo = "photos/stephane.png"
-)");
-  const Profile profile = LoadProfile("profile.toml");
-  EXPECT_EQ(profile.timezone, "Europe/Berlin");
-  EXPECT_EQ(profile.config, (Config{{"HistorySavedSwitch", 0},
-                                    {"BDDirectoryShowSwitch", 1},
-                                    {"Any key", -2147483647 - 1}}));
-  EXPECT_EQ(Settings(profile), (std::vector<int>{0, 0, 1, 3600, 3, 4, 0}));
-  EXPECT_EQ(profile.limits.ca_file, root.path() / "ca.pem");
-  Strings accounts;
-  for (const Account& account : profile.accounts) {
-    accounts.push_back(account.FullName() + " " + std::to_string(account.GetAccountId()) +
-                       (account.IsAccountUsable() ? " usable" : "") +
-                       (account.IsSaveMissCallLog() ? " keeps missed" : ""));
-  }
-  EXPECT_EQ(accounts,
-            (Strings{"anna@sip.example.org 7", "anna@sip.example.com 0 usable keeps missed"}));
-  ASSERT_EQ(profile.contacts.size(), 2u);
-  EXPECT_EQ(profile.contacts[0].name, "Stéphane Müller");
-  EXPECT_EQ(profile.contacts[0].numbers, (Strings{"+441632960101", "612"}));
-  EXPECT_EQ(profile.contacts[0].photo, "photos/stephane.png");
-  EXPECT_EQ(profile.contacts[1].name, "Ελένη");
-  EXPECT_EQ(profile.contacts[1].numbers, Strings{"613"});
+)";
+
+TEST_F(ProfileTest, ReadsEverySetting) {
+  WriteFile("book.vcf", "BEGIN:VCARD\r\nFN:Ελένη\r\nTEL:61 3\r\nEND:VCARD\r\n");
+  WriteFile("ca.pem", "-----BEGIN CERTIFICATE-----\n");
+  WriteFile("profile.toml", kEverySetting);
+  EXPECT_EQ(
+      Shown(LoadProfile("profile.toml")),
+      (Strings{"Europe/Berlin 0 0", "1 3600 3 4 0 " + (root.path() / "ca.pem").string(),
+               "Any key=-2147483648", "BDDirectoryShowSwitch=1", "HistorySavedSwitch=0",
+               "anna@sip.example.org 7 0 0", "anna@sip.example.com 0 1 1",
+               "Stéphane Müller|photos/stephane.png", "+441632960101", "612", "Ελένη|", "613"}));
 }
 
 TEST_F(ProfileTest, AnEmptyFileLeavesEverythingAtItsDefault) {
   WriteFile("profile.toml", "");
-  const Profile profile = LoadProfile("profile.toml");
-  EXPECT_EQ(profile.config, (Config{{"HistorySavedSwitch", 1}, {"BDDirectoryShowSwitch", 1}}));
-  EXPECT_TRUE(profile.timezone.empty());
-  EXPECT_TRUE(profile.accounts.empty() && profile.contacts.empty());
-  EXPECT_EQ(Settings(profile), (std::vector<int>{1, 1, 4194304, 10, 15, 60, 5}));
-  EXPECT_EQ(profile.limits.ca_file, "");
+  EXPECT_EQ(
+      Shown(LoadProfile("profile.toml")),
+      (Strings{" 1 1", "4194304 10 15 60 5 ", "BDDirectoryShowSwitch=1", "HistorySavedSwitch=1"}));
 }
 
+const std::string kAnna = "[[account]]\nid = 1\nname = 'anna'\nserver = 'example.org'\n";
+
+const struct {
+  std::string text;
+  const char* error;
+} kWrong[] = {
+    {"timezone = \n", "1: Error while parsing"},
+    {"[config]\na = 1\n\na = 2\n", "4: Error while parsing"},
+    {"timezone = '\xE9'\n", "1: "},
+    {"\ntime_zone = 'UTC'\n", "2: unknown key \"time_zone\""},
+    {"\"a\\nb\" = 1\n", "1: unknown key \"a\\x0Ab\""},
+    {"timezone = ''\n[networks]\nup = true\n", "2: unknown table \"networks\""},
+    {"\n[[accounts]]\nid = 1\n", "2: unknown table \"accounts\""},
+    {"[network]\nup = true\ndown = false\n", "3: unknown key \"down\""},
+    {kAnna + "password = 'x'\n", "5: unknown key \"password\""},
+    {"timezone = 2\n", "1: \"timezone\" must be a string, found: integer"},
+    {"network = true\n", "1: \"network\" must be a table, found: boolean"},
+    {"[network]\nup = 1\n", "2: \"up\" must be true or false, found: integer"},
+    {"[config]\na = 1\nb = true\n", "3: \"b\" must be an integer, found: boolean"},
+    {"[config]\na = 2147483648\n", "2: \"a\" must fit into 32 bits"},
+    {"[config]\na = -2147483649\n", "2: \"a\" must fit into 32 bits"},
+    {"[transfer]\nmax_bytes = 0\n", "2: \"max_bytes\" must be from 1 to 2147483647"},
+    {"[transfer]\nidle_seconds = 3601\n", "2: \"idle_seconds\" must be from 1 to 3600"},
+    {"[transfer]\nmax_redirects = -1\n", "2: \"max_redirects\" must be from 0 to 50"},
+    {"[transfer]\nca_file = 'none.pem'\n", "2: cannot read none.pem: No such file"},
+    {"[transfer]\n\nca_file = 'profile.toml'\n", "3: no certificate (PEM) in profile.toml"},
+    {"[account]\nid = 1\n", "1: \"account\" must be an array of tables, found: table"},
+    {"account = [\n 1]\n", "2: \"account\" must be an array of tables, found: integer"},
+    {"\n[[account]]\nid = 1\nserver = 'b'\n", "2: an account without a name"},
+    {"[[account]]\nname = 'a'\n", "1: an account without a server"},
+    {"[[account]]\nid = -1\nname = 'a'\nserver = 'b'\n", "1: an account id below 0"},
+    {kAnna + "\n[[account]]\nid = 1\nname = 'b'\nserver = 'b'\n", "6: a second account with id 1"},
+    {kAnna + "[[account]]\nname = 'anna'\nserver = 'example.org'\n",
+     "5: a second account anna@example.org"},
+    {"[[contact]]\nnumbers = ['1']\n", "1: a contact without a name"},
+    {"\n[[contact]]\nname = 'a'\n", "2: a contact without a number"},
+    {"[[contact]]\nname = 'a'\nnumbers = [\n'1',\n' - ']\n", "5: \" - \" is no number"},
+    {"[[contact]]\nname = 'a'\nnumbers = ['1', 2]\n", "3: \"numbers\" must be a string"},
+    {"[[contact]]\nname = 'a'\nnumbers = '1'\n", "3: \"numbers\" must be an array of strings"},
+    {"[contacts]\n\nvcard = 'none.vcf'\n", "3: cannot read none.vcf: No such file"},
+};
+
 TEST_F(ProfileTest, NamesTheLineOfWhatIsWrong) {
-  const std::string anna = "[[account]]\nid = 1\nname = 'anna'\nserver = 'example.org'\n";
-  const struct {
-    std::string text;
-    const char* error;
-  } kRows[] = {
-      {"timezone = \n", "1: Error while parsing"},
-      {"[config]\na = 1\n\na = 2\n", "4: Error while parsing"},
-      {"timezone = '\xE9'\n", "1: "},
-      {"\ntime_zone = 'UTC'\n", "2: unknown key \"time_zone\""},
-      {"\"a\\nb\" = 1\n", "1: unknown key \"a\\x0Ab\""},
-      {"timezone = ''\n[networks]\nup = true\n", "2: unknown table \"networks\""},
-      {"\n[[accounts]]\nid = 1\n", "2: unknown table \"accounts\""},
-      {"[network]\nup = true\ndown = false\n", "3: unknown key \"down\""},
-      {"[menu.present]\n", "1: \"present\" must be true or false, found: table"},
-      {anna + "password = 'x'\n", "5: unknown key \"password\""},
-      {"[[contact]]\nnumber = '1'\n", "2: unknown key \"number\""},
-      {"timezone = 2\n", "1: \"timezone\" must be a string, found: integer"},
-      {"network = true\n", "1: \"network\" must be a table, found: boolean"},
-      {"[network]\nup = 1\n", "2: \"up\" must be true or false, found: integer"},
-      {"[config]\na = 1\nb = true\n", "3: \"b\" must be an integer, found: boolean"},
-      {"[config]\na = 2147483648\n", "2: \"a\" must fit into 32 bits"},
-      {"[config]\na = -2147483649\n", "2: \"a\" must fit into 32 bits"},
-      {"[transfer]\nseconds = 1\n", "2: unknown key \"seconds\""},
-      {"[transfer]\nmax_bytes = 0\n", "2: \"max_bytes\" must be from 1 to 2147483647"},
-      {"[transfer]\nidle_seconds = 3601\n", "2: \"idle_seconds\" must be from 1 to 3600"},
-      {"[transfer]\nmax_redirects = -1\n", "2: \"max_redirects\" must be from 0 to 50"},
-      {"[transfer]\nca_file = 'none.pem'\n", "2: cannot read none.pem: No such file"},
-      {"[transfer]\n\nca_file = 'profile.toml'\n", "3: no certificate (PEM) in profile.toml"},
-      {"[account]\nid = 1\n", "1: \"account\" must be an array of tables, found: table"},
-      {"account = [\n 1]\n", "2: \"account\" must be an array of tables, found: integer"},
-      {anna + "usable = 'yes'\n", "5: \"usable\" must be true or false, found: string"},
-      {"\n[[account]]\nid = 1\nserver = 'b'\n", "2: an account without a name"},
-      {"[[account]]\nname = ''\nserver = 'b'\n", "1: an account without a name"},
-      {"[[account]]\nname = 'a'\n", "1: an account without a server"},
-      {"[[account]]\nid = -1\nname = 'a'\nserver = 'b'\n", "1: an account id below 0"},
-      {anna + "\n[[account]]\nid = 1\nname = 'bob'\nserver = 'b'\n",
-       "6: a second account with id 1"},
-      {anna + "[[account]]\nid = 2\nname = 'anna'\nserver = 'example.org'\n",
-       "5: a second account anna@example.org"},
-      {"[[contact]]\nnumbers = ['1']\n", "1: a contact without a name"},
-      {"\n[[contact]]\nname = 'a'\n", "2: a contact without a number"},
-      {"[[contact]]\nname = 'a'\nnumbers = []\n", "1: a contact without a number"},
-      {"[[contact]]\nname = 'a'\nnumbers = [\n'1',\n' - ']\n", "5: \" - \" is no number"},
-      {"[[contact]]\nname = 'a'\nnumbers = ['1', 2]\n", "3: \"numbers\" must be a string"},
-      {"[[contact]]\nname = 'a'\nnumbers = '1'\n", "3: \"numbers\" must be an array of strings"},
-      {"[contacts]\n\nvcard = 'none.vcf'\n", "3: cannot read none.vcf: No such file"},
-      {"[contacts]\nvcard = '.'\n", "2: cannot read .: Is a directory"},
-      {"[contacts]\nvcard = ['a']\n", "2: \"vcard\" must be a string, found: array"},
-  };
-  for (const auto& row : kRows) {
+  for (const auto& row : kWrong) {
     SCOPED_TRACE(row.text);
     WriteFile("profile.toml", row.text);
     const std::string error = ErrorOf("profile.toml");
@@ -172,12 +160,6 @@ TEST(AccountsTest, FindsByFullNameOrFirstSipName) {
   EXPECT_EQ(accounts.Find("anna@a.example.org"), &accounts.All()[0]);
   EXPECT_EQ(accounts.Find("anna"), &accounts.All()[0]);
   EXPECT_EQ(accounts.Find("an"), nullptr);
-
-  accounts.Find("anna@b.example.org")->usable = false;
-  accounts.Find("anna")->keeps_missed = false;
-  EXPECT_FALSE(accounts.All()[1].IsAccountUsable());
-  EXPECT_TRUE(accounts.All()[0].IsAccountUsable());
-  EXPECT_FALSE(accounts.All()[0].IsSaveMissCallLog());
 }
 
 }  // namespace
