@@ -14,6 +14,8 @@ class ModelTest : public ModelDriver {
     constexpr int kStepsBetweenRestarts = 500;
     Begin(seed, kStepsBetweenRestarts);
     for (int step = 0; step < kSteps && !HasFailure(); ++step) Step();
+    const std::string command = "xmllint --noout '" + HistoryFile().string() + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
   }
 };
 

@@ -1,5 +1,6 @@
 // Tests of the new missed and forwarded calls: how they are counted, what is published of them and
-// in which order, what makes them seen, and the two lists of callers.
+// in which order, what makes them seen, and the two lists of callers; and of what is traced when
+// calls get other names.
 #include <functional>
 
 #include "tests/support/PhoneTest.h"
@@ -171,6 +172,26 @@ TEST_F(NotifyTest, NewCallsStayNewUntilTheirCallerIsDealtWith) {
        {[] { DealWith(2, "100"); }, Missed(2)},
        {both(""), Missed(1) + Forwarded(1)}});
   for (const int type : {2, 4}) EXPECT_EQ(Callers(type), Strings{"0100 0100 1"});
+}
+
+TEST_F(NotifyTest, OtherNamesAreTracedAndSavedOnlyWhereTheyAreStored) {
+  const auto forgotten = [](const std::string& dirty) {
+    return Strings{"trace 3 CCallLogModel::ResetLogContactName: -------- bDirty = " + dirty};
+  };
+  const auto refresh = [](const char* number) {
+    return [number] {
+      SuperSearchItemData entry;
+      entry.number = number;
+      Controller().UpdateDispName({entry});
+    };
+  };
+  const Strings begin = {"trace 3 CCallLogModel::UpdateDispName update begin"};
+  const Strings end = {"trace 3 CCallLogModel::UpdateDispName update end"};
+  Run({{[] { CallLog_ResetLogContactName(); }, forgotten("0")}});
+  Add(1, "200");
+  Run({{[] { CallLog_ResetLogContactName(); }, forgotten("1") + kSaveLater},
+       {refresh("200"), begin + kSaveLater + end},
+       {refresh("20"), begin + end}});
 }
 
 }  // namespace

@@ -40,12 +40,6 @@ std::size_t StackOf(const std::function<void()>& work) {
 
 class StackTest : public ServerTest {
  protected:
-  StackTest() {
-    platform->config["HistorySavedSwitch"] = 1;
-    for (int i = 0; i < 400; ++i) Add(1 + i % 4, std::to_string(1000 + i), kNow - i);
-    EXPECT_EQ(Controller().SaveToFile(), 1);
-  }
-
   static void Expect(const char* operation, const std::function<void()>& work) {
     const std::size_t bytes = StackOf(work);
     std::printf("  %6zu  %s\n", bytes, operation);
@@ -54,15 +48,12 @@ class StackTest : public ServerTest {
 };
 
 TEST_F(StackTest, TheDeepestCallsOfTheHistory) {
-  ETL_MsgQueueHelper::msgObject timer;
-  timer.message = 0x8113;
-  timer.wParam = 90010;
+  platform->config["HistorySavedSwitch"] = 1;
+  for (int i = 0; i < 400; ++i) Add(1 + i % 4, std::to_string(1000 + i), kNow - i);
+  Expect("SaveToFile", [] { EXPECT_EQ(Controller().SaveToFile(), 1); });
   CCallLogController::ReleaseInstance();
   Expect("GetInstance, loads", [] { CCallLogController::GetInstance(); });
   Expect("CallLog_AddLog", [] { EXPECT_EQ(Add(4, "1001"), 0); });
-  Expect("OnMessage, saves", [&] { EXPECT_EQ(Controller().OnMessage(timer), 1); });
-  Add(4, "1001");
-  Expect("SaveToFile", [] { EXPECT_EQ(Controller().SaveToFile(), 1); });
   CCallLogController::ReleaseInstance();
   WriteFile(HistoryFile(), Repeat("<root_call_log>", 64) + Repeat("</root_call_log>", 64));
   Expect("GetInstance, loads a file nested 64 deep", [] { CCallLogController::GetInstance(); });
@@ -70,8 +61,7 @@ TEST_F(StackTest, TheDeepestCallsOfTheHistory) {
 
 TEST_F(StackTest, TheDeepestCallsOfTheServerLists) {
   CallLog_RegisterMessage();
-  SetSource(0, "/Missed");
-  Serve("Missed", Document(Repeat(Entry("1001"), 100)));
+  Offer(0, "Missed", Document(Repeat(Entry("1001"), 100)));
   CBSCallLogController::ReleaseInstance();
   const Strings arrived = {"0 " + Url("/Missed")};
   Expect("GetInstance, loads the sources", [] { CBSCallLogController::GetInstance(); });
@@ -80,7 +70,6 @@ TEST_F(StackTest, TheDeepestCallsOfTheServerLists) {
   Serve("Missed", Repeat("<Missed>", 64) + Repeat("</Missed>", 64));
   Ask(0, "", true);
   Expect("a list nested 64 deep", [&] { EXPECT_EQ(Settle(), arrived); });
-  Expect("ReloadBSCallLogConfig", [] { EXPECT_TRUE(Logs().ReloadBSCallLogConfig()); });
   Expect("configuration message 0x28", [&] { platform->loop.Send({0x10007, 0x28, 0, {}}); });
 }
 

@@ -1,5 +1,5 @@
-// Tests of what the UI's pages get: which rows, which icons, and what is refused. What stands in
-// rows and details is ModelTest's, which calls count as seen NotifyTest's.
+// Tests of what the UI's pages are refused, and of icons. Which rows they get is ModelTest's, which
+// calls count as seen NotifyTest's.
 #include <climits>
 
 #include "tests/support/PhoneTest.h"
@@ -7,27 +7,7 @@
 namespace desk {
 namespace {
 
-class ViewTest : public PhoneTest {};
-
-TEST_F(ViewTest, APageKeepsItsRowsAndGetsThoseAskedFor) {
-  for (const char* number : {"1", "2", "3"}) Add(3, number);
-  const auto ask = [](int type, int first, int count) {
-    CallLogSimpleListData page;
-    page.items.resize(1);
-    page.request_index = first;
-    page.request_count = count;
-    page.total = -1;
-    Controller().GetLogListByClickAction(&page, Action(type));
-    std::string text = std::to_string(page.total) + ":";
-    for (const CallLogSimpleData& row : page.items) text += row.display_name + " ";
-    return text;
-  };
-  TakeJournal({""});
-  EXPECT_EQ(ask(3, 1, INT_MAX), "3: 2 3 ");
-  EXPECT_EQ(TakeJournal({"trace"}), Strings{"trace 3 --Call log, get 3 log list."});
-  EXPECT_EQ(ask(3, 3, 1), "3: ");
-  EXPECT_EQ(ask(3, -1, 1) + ask(3, 0, 0) + ask(5, 0, 1), "-1: -1: -1: ");
-}
+using ViewTest = PhoneTest;
 
 TEST_F(ViewTest, NoActionOrNoRecordToFillDoesNothing) {
   for (const int type : {1, 2, 3, 4}) Add(type, "100");

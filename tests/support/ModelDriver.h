@@ -78,37 +78,19 @@ class ModelDriver : public virtual PhoneTest {
   }
 
   void ReadNotifyLists() {
-    const auto compare = [this](int type, const auto& items, const auto& targetOf) {
-      std::vector<std::pair<std::string, int>> rows;
-      for (const auto& row : items) {
-        rows.emplace_back(row.display_name + ", " + row.number + targetOf(row), row.count);
-      }
-      EXPECT_EQ(rows, model_.NewCallers(type));
-    };
     MissedNotifyListData missed;
-    EXPECT_EQ(Controller().GetMissedNotifyList(&missed), 1);
-    compare(2, missed.items, [](const auto&) { return ""; });
+    ExpectCallers(2, Controller().GetMissedNotifyList(&missed), missed);
     ForwardedNotifyList forwarded;
-    EXPECT_EQ(Controller().GetForwardedNotifyList(&forwarded), 1);
-    compare(4, forwarded.items, [](const auto& row) { return ", " + row.forward_display_name; });
+    ExpectCallers(4, Controller().GetForwardedNotifyList(&forwarded), forwarded);
   }
 
   void CheckDetails(int view, int first, int end) {
     const auto calls = model_.View(view);
     for (int row = first; row < end; ++row) {
       CallLogDetailData detail;
-      const bool exists = view <= 4 && row >= 0 && row < static_cast<int>(calls.size());
+      const bool exists = row >= 0 && row < static_cast<int>(calls.size());
       ASSERT_EQ(Controller().GetLogDetailByClickAction(&detail, Action(view), row), exists ? 1 : 0);
-      if (!exists) continue;
-      const PlainCall& call = *calls[static_cast<std::size_t>(row)];
-      EXPECT_EQ(detail.display_name, call.remote_display_name);
-      EXPECT_EQ(detail.number, call.remote_sip_name);
-      EXPECT_EQ(detail.server, call.remote_sip_server);
-      EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
-      EXPECT_EQ(detail.duration_text, DurationText(call.duration));
-      const auto contact = kContacts.find(call.remote_sip_name);
-      EXPECT_EQ(detail.image_path, contact != kContacts.end() ? contact->second + ".png" : "");
-      EXPECT_EQ(detail.type, call.type);
+      if (exists) ExpectDetail(*calls[static_cast<std::size_t>(row)], detail);
     }
   }
 
@@ -136,9 +118,11 @@ class ModelDriver : public virtual PhoneTest {
 
  private:
   std::string RandomBytes() {
-    static const std::string kPieces[] = {"\"",       "'",        "&",   "<",    ">",
-                                          "&lt;",     "&#0;",     "]]>", "\xC3", "\xE2\x82",
-                                          "\xF0\x9F", "\xC0\xAF", "é",   "😀",    "\uFFFD"};
+    static const Strings kPieces = List(
+        "\"", "'", "&", "<", ">", "&lt;", "&#0;", "]]>", "%s%n", "\xC3", "\xE2\x82", "\xF0\x9F",
+        "\xF0\x9F\x98", "\xC0\xAF", "\xE0\x9F\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xED\xA0\x80",
+        "\xEF\xBB\xBF", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xF0\x8F\xBF\xBF", "\xF0\x90\x80\x80",
+        "\xF4\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "é", "😀", "\uFFFD");
     std::string bytes;
     for (int i = Below(9); i > 0; --i) {
       if (OneIn(2)) {
@@ -184,6 +168,8 @@ class ModelDriver : public virtual PhoneTest {
   // Mostly one that exists.
   int RandomRow(int view) { return Below(static_cast<int>(model_.View(view).size()) + 3) - 1; }
 
+  int RandomCount() { return OneIn(20) ? INT_MAX : Below(9); }
+
   void Update() {
     CallLogUpdateData contact;
     contact.number_1 = OneIn(2) ? RandomNumber() : "";
@@ -212,46 +198,91 @@ class ModelDriver : public virtual PhoneTest {
     model_.Remove(view, {rows.begin(), rows.end()});
   }
 
+  // A row of a list, and a call as its row or detail.
+  template <class Row>
+  static std::string TextOf(const Row& row) {
+    return row.display_name + ", " + row.number;
+  }
+  static std::string TextOf(const ForwardedCallData& row) {
+    return row.display_name + ", " + row.number + ", " + row.forward_display_name;
+  }
+  static std::string TextOf(const CallLogSimpleData& row) {
+    return row.display_name + ", " + row.time_text + ", " + std::to_string(row.type);
+  }
+  static std::string RowOf(const PlainCall& call) {
+    return call.Name() + ", " + Setting_CallLogTime2String(call.born_tick, " ") + ", " +
+           std::to_string(call.type);
+  }
+  static void ExpectDetail(const PlainCall& call, const CallLogDetailData& detail) {
+    EXPECT_EQ(detail.display_name, call.remote_display_name);
+    EXPECT_EQ(detail.number, call.remote_sip_name);
+    EXPECT_EQ(detail.server, call.remote_sip_server);
+    EXPECT_EQ(detail.time_text, Setting_Time2String(call.born_tick, " "));
+    EXPECT_EQ(detail.duration_text, DurationText(call.duration));
+    const auto contact = kContacts.find(call.remote_sip_name);
+    EXPECT_EQ(detail.image_path, contact != kContacts.end() ? contact->second + ".png" : "");
+    EXPECT_EQ(detail.type, call.type);
+  }
+
+  template <class List>
+  void ExpectCallers(int type, int result, const List& list) {
+    EXPECT_EQ(result, 1);
+    std::vector<std::pair<std::string, int>> rows;
+    for (const auto& row : list.items) rows.emplace_back(TextOf(row), row.count);
+    EXPECT_EQ(rows, model_.NewCallers(type));
+  }
+
+  // A page that holds a row already, which stays; refused, all of it stays.
+  template <class Page>
+  static Page MakePage(int first, int count) {
+    Page page;
+    page.items.resize(1);
+    page.total = -1;
+    page.request_index = first;
+    page.request_count = count;
+    return page;
+  }
+
   template <class Page>
   void ExpectPage(int result, const Page& page, const std::optional<PlainPage>& expected) {
     ASSERT_EQ(result, expected ? 1 : 0);
-    PlainPage got({}, page.total);
-    for (const auto& row : page.items) got.first.push_back(row.display_name + ", " + row.number);
-    EXPECT_TRUE(got == expected.value_or(PlainPage()));
+    Strings rows;
+    for (const auto& row : page.items) rows.push_back(TextOf(row));
+    EXPECT_EQ(rows.front(), TextOf(typename decltype(page.items)::value_type()));
+    rows.erase(rows.begin());
+    EXPECT_TRUE(PlainPage(rows, page.total) == expected.value_or(PlainPage({}, -1)));
+  }
+
+  // What a user may be after: a name that is there or not, its key-pad form, a number.
+  std::string RandomTyped() {
+    const auto calls = model_.View(0);
+    const std::size_t row = static_cast<std::size_t>(Below(1 + static_cast<int>(calls.size())));
+    const std::string name = row < calls.size() ? calls[row]->Name() : RandomName();
+    if (OneIn(3)) return KeysOf(name);
+    if (OneIn(3)) return Folded(name);
+    return OneIn(2) ? RandomNumber() : name;
   }
 
   // Some keys, mostly each longer than the one before, on pages that are mostly there.
   void TypeKeys() {
     for (int keys = Below(8); keys > 0; --keys) {
-      if (OneIn(5)) {
-        const auto calls = model_.View(0);
-        const std::size_t row = static_cast<std::size_t>(Below(1 + static_cast<int>(calls.size())));
-        const std::string name = row < calls.size() ? calls[row]->Name() : RandomName();
-        typed_ = Letters(OneIn(3)   ? KeysOf(name)
-                         : OneIn(3) ? Folded(name)
-                         : OneIn(2) ? RandomNumber()
-                                    : name);
-        typedCount_ = 0;
-      }
+      if (OneIn(5)) typed_ = Letters(RandomTyped()), typedCount_ = 0;
       if (!OneIn(4) && typedCount_ < typed_.size()) ++typedCount_;
       if (OneIn(9) && typedCount_ > 0) --typedCount_;
+      if (OneIn(9)) CallLog_Search(nullptr, RandomTyped() + "1");  // finds and changes nothing
       std::string key;
       for (std::size_t i = 0; i < typedCount_; ++i) key += typed_[i].first;
-      CallLogSearchListData page;
-      page.request_index = OneIn(3) ? Below(9) - 1 : 0;
-      page.request_count = Below(9);
+      auto page = MakePage<CallLogSearchListData>(OneIn(3) ? Below(9) - 1 : 0, RandomCount());
       const int result = CallLog_Search(&page, key);
       ExpectPage(result, page, model_.Search(key, page.request_index, page.request_count));
     }
   }
 
   void ReadMostDialled() {
-    CallLogSearchListData all;
-    SuperSearchListData ten;
     const int first = Below(14) - 1;
-    const int count = Below(9);
-    all.request_index = ten.request_index = first;
-    all.request_count = ten.request_count = count;
+    const int count = RandomCount();
+    auto all = MakePage<CallLogSearchListData>(first, count);
+    auto ten = MakePage<SuperSearchListData>(first, count);
     const int result = CallLog_SearchRecentOutCall(&all);
     ExpectPage(result, all, model_.MostDialled(false, first, count));
     const int resultOfTen = CallLog_SuperSearchRecentOutCall(&ten);
@@ -276,85 +307,93 @@ class ModelDriver : public virtual PhoneTest {
     EXPECT_EQ(platform->talk.call->accountId, model_.RedialAccount());
   }
 
-  void OpenList(int view) {
-    CallLogSimpleListData page;
-    page.request_index = RandomRow(view);
-    page.request_count = Below(9);
-    const bool refused = view > 4 || page.request_index < 0 || page.request_count < 1;
-    ASSERT_EQ(Controller().GetLogListByClickAction(&page, Action(view)), refused ? 0 : 1);
-    const auto calls = model_.View(view);
-    const auto first = static_cast<std::size_t>(page.request_index);
-    const auto count = static_cast<std::size_t>(page.request_count);
-    const bool any = !refused && first < calls.size();
-    ASSERT_EQ(page.items.size(), any ? std::min(count, calls.size() - first) : 0);
-    if (refused) return;
-    EXPECT_EQ(page.total, static_cast<int>(calls.size()));
-    std::size_t row = first;
-    for (const CallLogSimpleData& item : page.items) {
-      const PlainCall& call = *calls[row++];
-      EXPECT_EQ(item.display_name, call.Name());
-      EXPECT_EQ(item.time_text, Setting_CallLogTime2String(call.born_tick, " "));
-      EXPECT_EQ(item.type, call.type);
-    }
-    model_.See(view);
+  void OpenList() {
+    // At times nobody looks at the phone, so that many callers gather.
+    const bool attended = step_ / 500 % 2 == 0;
+    const int any = Below(6);
+    const int view = attended || any % 2 == 1 ? any : 3;
+    auto page = MakePage<CallLogSimpleListData>(RandomRow(view), RandomCount());
+    Strings rows;
+    for (const PlainCall* call : model_.View(view)) rows.push_back(RowOf(*call));
+    auto expected = PageOf(rows, page.request_index, page.request_count);
+    if (view > 4) expected.reset();
+    const int result = Controller().GetLogListByClickAction(&page, Action(view));
+    ExpectPage(result, page, expected);
+    if (expected) model_.See(view);
+  }
+
+  void EndCall() {
+    const CallLogAddItemData call = RandomCall();
+    ++calls_;
+    EXPECT_EQ(CallLog_AddLog(call), model_.Add(call));
+  }
+
+  void Remove() {
+    const int view = Below(6);
+    const int row = RandomRow(view);
+    EXPECT_EQ(Controller().RemoveLog(Action(view), row), model_.Remove(view, {row}));
+  }
+
+  void RemoveAll() {
+    const int view = Below(6);
+    EXPECT_EQ(Controller().RemoveAllLogsByClickAction(Action(view)), 1);
+    model_.RemoveAll(view);
+  }
+
+  void DealWithNumber() {
+    const std::string number = RandomNumber();
+    const bool missed = OneIn(2);
+    (missed ? RemoveMissedDirtyByNumber : RemoveForwardDirtyByNumber)(number.c_str());
+    model_.See(missed ? 2 : 4, number);
+  }
+
+  void Wait() {
+    const Milliseconds span(Below(OneIn(25) ? 7000 : 90));
+    platform->Advance(span);
+    model_.Wait(span);
+  }
+
+  void Save() { EXPECT_EQ(Controller().SaveToFile(), model_.Save()); }
+
+  void ForgetNames() {
+    EXPECT_EQ(CallLog_ResetLogContactName(), 1);
+    model_.ForgetNames();
+  }
+
+  void Switch() {
+    model_.saving = !OneIn(8);
+    platform->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
   }
 
   // One random event; what it was.
   std::string Event() {
+    static const struct {
+      int chances;
+      const char* what;
+      void (ModelDriver::*happens)();
+    } kEvents[] = {{640, "call", &ModelDriver::EndCall},
+                   {80, "update", &ModelDriver::Update},
+                   {70, "remove", &ModelDriver::Remove},
+                   {30, "remove several", &ModelDriver::RemoveSeveral},
+                   {2, "remove all", &ModelDriver::RemoveAll},
+                   {40, "deal with a number", &ModelDriver::DealWithNumber},
+                   {10, "read notify lists", &ModelDriver::ReadNotifyLists},
+                   {48, "open a list", &ModelDriver::OpenList},
+                   {65, "wait", &ModelDriver::Wait},
+                   {5, "save", &ModelDriver::Save},
+                   {25, "search", &ModelDriver::TypeKeys},
+                   {15, "most dialled", &ModelDriver::ReadMostDialled},
+                   {10, "redial", &ModelDriver::Redial},
+                   {9, "refresh names", &ModelDriver::UpdateNames},
+                   {1, "forget names", &ModelDriver::ForgetNames},
+                   {10, "switch", &ModelDriver::Switch}};
     if (OneIn(stepsBetweenRestarts_)) return Restart(), "power cycle";
-    // At times nobody looks at the phone, so that many callers gather.
-    const bool attended = step_ / 500 % 2 == 0;
-    const int view = Below(6);
-    const int chance = Below(1060);
-    if (chance < 640) {
-      const CallLogAddItemData call = RandomCall();
-      ++calls_;
-      EXPECT_EQ(CallLog_AddLog(call), model_.Add(call));
-      return "call";
+    int chance = Below(1060);
+    for (const auto& event : kEvents) {
+      chance -= event.chances;
+      if (chance < 0) return (this->*event.happens)(), event.what;
     }
-    if (chance < 720) return Update(), "update";
-    if (chance < 790) {
-      const int row = RandomRow(view);
-      EXPECT_EQ(Controller().RemoveLog(Action(view), row), model_.Remove(view, {row}));
-      return "remove";
-    }
-    if (chance < 820) return RemoveSeveral(), "remove several";
-    if (chance < 822) {
-      EXPECT_EQ(Controller().RemoveAllLogsByClickAction(Action(view)), 1);
-      model_.RemoveAll(view);
-      return "remove all";
-    }
-    if (chance < 862) {
-      const std::string number = RandomNumber();
-      const bool missed = OneIn(2);
-      (missed ? RemoveMissedDirtyByNumber : RemoveForwardDirtyByNumber)(number.c_str());
-      model_.See(missed ? 2 : 4, number);
-      return "deal with a number";
-    }
-    if (chance < 872) return ReadNotifyLists(), "read notify lists";
-    if (chance < 920) return OpenList(attended || view % 2 == 1 ? view : 3), "open a list";
-    if (chance < 985) {
-      const Milliseconds span(Below(OneIn(25) ? 7000 : 90));
-      platform->Advance(span);
-      model_.Wait(span);
-      return "wait";
-    }
-    if (chance < 990) {
-      EXPECT_EQ(Controller().SaveToFile(), model_.Save());
-      return "save";
-    }
-    if (chance < 1015) return TypeKeys(), "search";
-    if (chance < 1030) return ReadMostDialled(), "most dialled";
-    if (chance < 1040) return Redial(), "redial";
-    if (chance < 1049) return UpdateNames(), "refresh names";
-    if (chance < 1050) {
-      EXPECT_EQ(CallLog_ResetLogContactName(), 1);
-      model_.ForgetNames();
-      return "forget names";
-    }
-    model_.saving = !OneIn(8);
-    platform->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
-    return "switch";
+    return "";
   }
 
   std::mt19937 random_;

@@ -21,6 +21,12 @@ inline Strings operator+(Strings lines, const Strings& more) {
   return lines;
 }
 
+// For a long list of short texts.
+template <class... Texts>
+Strings List(const Texts&... texts) {
+  return {texts...};
+}
+
 // A fresh directory, gone at the end.
 class TemporaryDirectory {
  public:

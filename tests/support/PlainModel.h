@@ -99,20 +99,21 @@ int EraseIf(PlainCalls* calls, Matches matches) {
   return erased;
 }
 
-// "name, number" rows, and how many the whole list has.
+// The rows of a list on one page, and how many the whole list has; nothing when it is refused.
 using PlainPage = std::pair<std::vector<std::string>, int>;
 
-// The rows of a list on one page; nothing when the page is refused.
-inline std::optional<PlainPage> PageOf(const PlainCalls& calls, int first, int count) {
+inline std::optional<PlainPage> PageOf(std::vector<std::string> rows, int first, int count) {
   if (first < 0 || count < 1) return std::nullopt;
-  PlainPage page;
-  auto& [rows, total] = page;
-  for (const PlainCall& call : calls) {
-    const bool wanted = total >= first && total - first < count;
-    if (wanted) rows.push_back(call.Name() + ", " + call.remote_sip_name);
-    ++total;
-  }
-  return page;
+  const int total = static_cast<int>(rows.size());
+  rows.erase(rows.begin(), rows.begin() + std::min(first, total));
+  rows.resize(std::min(rows.size(), static_cast<std::size_t>(count)));
+  return PlainPage(rows, total);
+}
+
+inline std::optional<PlainPage> PageOf(const PlainCalls& calls, int first, int count) {
+  std::vector<std::string> rows;
+  for (const PlainCall& call : calls) rows.push_back(call.Name() + ", " + call.remote_sip_name);
+  return PageOf(rows, first, count);
 }
 
 inline std::string FileAttribute(const std::string& name, const std::string& string) {
@@ -136,18 +137,14 @@ inline std::string FileText(const PlainCalls& calls) {
   if (calls.empty()) return text + "<root_call_log/>\n\n";
   text += "<root_call_log>\n";
   for (const PlainCall& call : calls) {
-    const std::pair<const char*, std::string> attributes[] = {
-        {"type", std::to_string(call.type)},
-        {"born_tick", std::to_string(call.born_tick)},
-        {"local_sip_name", call.local_sip_name},
-        {"local_sip_server", call.local_sip_server},
-        {"remote_display_name", call.remote_display_name},
-        {"remote_sip_name", call.remote_sip_name},
-        {"remote_sip_server", call.remote_sip_server},
-        {"duration", std::to_string(call.duration)}};
-    text += "\t<item";
-    for (const auto& [name, value] : attributes) text += FileAttribute(name, value);
-    text += "/>\n";
+    text += "\t<item" + FileAttribute("type", std::to_string(call.type)) +
+            FileAttribute("born_tick", std::to_string(call.born_tick)) +
+            FileAttribute("local_sip_name", call.local_sip_name) +
+            FileAttribute("local_sip_server", call.local_sip_server) +
+            FileAttribute("remote_display_name", call.remote_display_name) +
+            FileAttribute("remote_sip_name", call.remote_sip_name) +
+            FileAttribute("remote_sip_server", call.remote_sip_server) +
+            FileAttribute("duration", std::to_string(call.duration)) + "/>\n";
   }
   return text + "</root_call_log>\n\n";
 }
@@ -181,25 +178,26 @@ class PlainModel {
   void Update(const CallLogUpdateData& contact) {
     std::set<std::string> numbers = {contact.number_1, contact.number_2, contact.number_3};
     numbers.erase("");
-    for (PlainCall& call : calls_) {
-      const auto rename = [&](const std::string& number, std::string* name) {
-        const bool found = numbers.count(number) > 0;
-        if (found) *name = contact.display_name.empty() ? number : contact.display_name;
-        return found;
-      };
-      if (rename(call.remote_sip_name, &call.remote_display_name)) Change();
-      if (call.type == 4) rename(call.forward_sip_name, &call.forward_display_name);
+    const auto shown = [&contact](const std::string& number) {
+      return contact.display_name.empty() ? number : contact.display_name;
+    };
+    for (PlainCall& c : calls_) {
+      const bool target = c.type == 4 && numbers.count(c.forward_sip_name) > 0;
+      if (target) c.forward_display_name = shown(c.forward_sip_name);
+      if (numbers.count(c.remote_sip_name) == 0) continue;
+      c.remote_display_name = shown(c.remote_sip_name);
+      Change();
     }
   }
 
   void UpdateNames(const std::list<SuperSearchItemData>& names) {
-    for (PlainCall& call : calls_) {
+    for (PlainCall& c : calls_) {
       for (const SuperSearchItemData& entry : names) {
-        const bool caller = call.remote_sip_name == entry.number;
-        const bool target = call.forward_sip_name == entry.number;
-        if (caller) call.remote_display_name = entry.display_name;
-        if (target) call.forward_display_name = entry.display_name;
-        if (caller || target) Change();
+        const auto rename = [&](const std::string& number, std::string* name) {
+          if (number == entry.number) *name = entry.display_name, Change();
+        };
+        rename(c.remote_sip_name, &c.remote_display_name);
+        rename(c.forward_sip_name, &c.forward_display_name);
       }
     }
   }
@@ -215,8 +213,7 @@ class PlainModel {
   // The hits stay as they were found until the history changes or another key comes.
   std::optional<PlainPage> Search(const std::string& typed, int first, int count) {
     const std::string key = Folded(typed);
-    if (key.empty()) held_.reset();
-    if (key.empty()) return std::nullopt;
+    if (key.empty()) return held_.reset(), std::nullopt;
     const bool number = (key[0] >= '0' && key[0] <= '9') || key[0] == '*' || key[0] == '#';
     const auto differs = [&](const PlainCall& call) {
       if (!number) return !Begins(call.remote_display_name, key);
@@ -227,7 +224,7 @@ class PlainModel {
       for (const PlainCall& call : calls_) {
         if (!differs(call)) AddHit(call);
       }
-    } else if (key != held_->first && PageOf({}, first, count)) {
+    } else if (key != held_->first && first >= 0 && count > 0) {
       EraseIf(&held_->second, differs);
       held_->first = key;
     }

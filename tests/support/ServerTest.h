@@ -86,6 +86,11 @@ class ServerTest : public virtual PhoneTest {
     const std::string port = std::to_string(server.port());
     Logs().SetConfigDataByIndex(index, MakeSource("127.0.0.1" + path, port, kUser, kPassword));
   }
+  // A document, and a source for it.
+  void Offer(int index, const std::string& name, const std::string& document) {
+    Serve(name, document);
+    SetSource(index, "/" + name);
+  }
 
   // Asks for all rows, which are in `page` then.
   int Ask(int source, const std::string& query = {}, bool refresh = false) {
