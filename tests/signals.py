@@ -51,6 +51,15 @@ class Pty:
         before, self.text = self.text.split(wanted, 1)
         return before
 
+    def say(self, line, *answers):
+        """Types a line, and waits for what it brings and the next prompt."""
+        self.type(line + "\n")
+        for answer in (*answers, PROMPT):
+            self.expect(answer)
+
+    def call(self, number):
+        self.say(f"call missed {number}", "idle screen")
+
     def modes(self):
         return termios.tcgetattr(self.fd)
 
@@ -96,6 +105,10 @@ class Shell(Pty):
         assert self.modes() != self.before
         self.phone = os.tcgetpgrp(self.fd)
 
+    def stop(self):
+        self.type("\x1a")
+        self.expect("sh> ")
+
     def kill(self, number):
         os.killpg(self.phone, number)
 
@@ -111,19 +124,24 @@ class Shell(Pty):
         within_limit(lambda: os.waitpid(self.pid, 0))
 
 
+def alone(command, **streams):
+    """A phone on a terminal of its own, whose other side is the terminal returned."""
+    master, slave = pty.openpty()
+    phone = subprocess.Popen(command, **{"stdin": slave, "stdout": slave, "stderr": slave, **streams}, start_new_session=True)
+    terminal = Pty(master)
+    terminal.slave = slave
+    return phone, terminal
+
+
 def at_the_prompt(desk, shell):
     calls = []
     for end, status in (lambda: shell.type("\x03"), 130), (lambda: shell.kill(signal.SIGTERM), 143), (
             lambda: shell.kill(signal.SIGHUP), 129), (lambda: shell.type("quit\n"), 0), (lambda: shell.type("\x04"), 0):
         shell.start(desk.command())
         calls.append(f"61{len(calls)}")
-        shell.type(f"call missed {calls[-1]}\n")
-        shell.expect("idle screen")
-        shell.expect(PROMPT)
+        shell.call(calls[-1])
         for secret in "source 0 user=anna password=s3cret", "sorce 0 'Password'=s3cret":
-            shell.type(secret + "\n")
-            shell.expect(secret + "\r\n")
-            shell.expect(PROMPT)
+            shell.say(secret, secret + "\r\n")
         end()
         shell.ends_with(status)
         desk.check(*calls)
@@ -134,9 +152,8 @@ def at_the_prompt(desk, shell):
 def during_a_wait(desk, shell):
     """Ctrl-C ends the wait, and Ctrl-Z stops the phone in it; the other two end the phone."""
     shell.start(desk.command("--log-server", str(desk.documents)))
-    for command, waiting in (f"misbehave {HELD} stall", PROMPT), ("call missed 612", PROMPT), ("server 0", PROMPT):
-        shell.type(command + "\n")
-        shell.expect(waiting)
+    for command in f"misbehave {HELD} stall", "call missed 612", "server 0":
+        shell.say(command)
     for command in "wait 1h", "await":
         shell.type(command + "\n")
         shell.expect(command + "\r\n")
@@ -145,8 +162,7 @@ def during_a_wait(desk, shell):
         shell.expect(PROMPT)
     shell.type("await\n")
     shell.expect("await\r\n")
-    shell.type("\x1a")
-    shell.expect("sh> ")
+    shell.stop()
     assert shell.modes() == shell.before
     shell.type("fg\n")
     shell.expect("fg\r\n")
@@ -159,8 +175,7 @@ def stopped_and_continued(desk, shell):
     shell.start(desk.command())
     shell.type("call mis")
     shell.expect("call mis")
-    shell.type("\x1a")
-    shell.expect("sh> ")
+    shell.stop()
     assert shell.modes() == shell.before
     shell.type("fg\n")
     shell.expect(PROMPT + "call mis")
@@ -172,9 +187,7 @@ def stopped_and_continued(desk, shell):
     shell.type("fg\n")
     shell.expect(PROMPT + "call mis")
     assert shell.modes() == editing
-    shell.type("sed 612\n")
-    shell.expect("idle screen: 1 Missed")
-    shell.expect(PROMPT)
+    shell.say("sed 612", "idle screen: 1 Missed")
     shell.type("\x03")
     shell.ends_with(130)
     desk.check("612")
@@ -183,24 +196,18 @@ def stopped_and_continued(desk, shell):
 def hung_up(desk, shell):
     """The terminal goes; its shell is told, and tells the phone."""
     shell.start(desk.command())
-    shell.type("call missed 612\n")
-    shell.expect("idle screen")
-    shell.expect(PROMPT)
+    shell.call("612")
     shell.close()
     desk.check("612")
 
 
 def without_a_word(desk):
     """The terminal goes, and nobody sends a signal."""
-    master, slave = pty.openpty()
-    phone = subprocess.Popen(desk.command(), stdin=slave, stdout=slave, stderr=slave, start_new_session=True)
-    os.close(slave)
-    terminal = Pty(master)
+    phone, terminal = alone(desk.command())
+    os.close(terminal.slave)
     terminal.expect(PROMPT)
-    terminal.type("call missed 612\n")
-    terminal.expect("idle screen")
-    terminal.expect(PROMPT)
-    os.close(master)
+    terminal.call("612")
+    os.close(terminal.fd)
     assert phone.wait(LIMIT) == 0
     desk.check("612")
 
@@ -212,43 +219,34 @@ def in_a_script(desk):
     for number in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
         for rest in "call missed 999", "await\n":
             calls.append(f"61{len(calls)}")
-            master, slave = pty.openpty()
-            phone = subprocess.Popen(desk.command("--log-server", str(desk.documents)), stdin=subprocess.PIPE,
-                                     stdout=slave, stderr=slave, start_new_session=True)
-            os.close(slave)
+            phone, terminal = alone(desk.command("--log-server", str(desk.documents)), stdin=subprocess.PIPE)
+            os.close(terminal.slave)
             phone.stdin.write((talk.replace(" 61", f" {calls[-1]}") + rest).encode())
             phone.stdin.flush()
-            terminal = Pty(master)
             terminal.expect("downloading")
             phone.send_signal(number)
             assert phone.wait(LIMIT) == 128 + number
             phone.stdin.close()
-            os.close(master)
+            os.close(terminal.fd)
             desk.check(*calls)
 
 
 def in_the_background(desk, shell):
     """A phone that is stopped ends when it goes on, and leaves the terminal to whoever has it."""
     shell.start(desk.command())
-    shell.type("\x1a")
-    shell.expect("sh> ")
+    shell.stop()
     shell.type("bg\n")
     shell.expect("sh> ")
     shell.type("fg\n")
     shell.expect("fg\r\n")
-    shell.type("idl\x08le\n")  # which the phone edits, not the terminal
-    shell.expect("LED off")
-    shell.expect(PROMPT)
+    shell.say("idl\x08le", "LED off")  # which the phone edits, not the terminal
     assert shell.modes() != shell.before
     shell.type("quit\n")
     shell.ends_with(0)
     for number in signal.SIGTERM, signal.SIGHUP:
         shell.start(desk.command())
-        shell.type(f"call missed 61{number}\n")
-        shell.expect("idle screen")
-        shell.expect(PROMPT)
-        shell.type("\x1a")
-        shell.expect("sh> ")
+        shell.call(f"61{number}")
+        shell.stop()
         if number == signal.SIGTERM:
             shell.type("bg\n")
             shell.expect("sh> ")
@@ -266,20 +264,16 @@ def in_the_background(desk, shell):
 def with_its_output_stopped(desk):
     """Ctrl-S holds what the phone prints; it ends all the same."""
     for number in signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT:
-        master, slave = pty.openpty()
-        phone = subprocess.Popen(desk.command(), stdin=slave, stdout=slave, stderr=subprocess.DEVNULL, start_new_session=True)
-        terminal = Pty(master)
+        phone, terminal = alone(desk.command(), stderr=subprocess.DEVNULL)
         terminal.expect(PROMPT)
-        terminal.type(f"call missed 61{number}\n")
-        terminal.expect("idle screen")
-        terminal.expect(PROMPT)
-        termios.tcflow(slave, termios.TCOOFF)
+        terminal.call(f"61{number}")
+        termios.tcflow(terminal.slave, termios.TCOOFF)
         terminal.type("idle\n")
         phone.send_signal(number)
         assert phone.wait(LIMIT) == 128 + number
-        termios.tcflow(slave, termios.TCOON)
-        os.close(master)
-        os.close(slave)
+        termios.tcflow(terminal.slave, termios.TCOON)
+        os.close(terminal.fd)
+        os.close(terminal.slave)
     desk.check("6115", "611", "613")
 
 

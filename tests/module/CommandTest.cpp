@@ -133,11 +133,8 @@ TEST_F(CommandTest, OtherConfigurationItemsAreNotAnsweredAndRemoveNothing) {
   CallLog_RegisterMessage();
   std::vector<int> results;
   platform->loop.SetObserver([&](const Message&, int result) { results.push_back(result); });
-  for (const unsigned int item : {0u, 0x27u, 0x29u, 0x46u, 0x48u}) {
-    EXPECT_EQ(JournalOf(item), Strings());
-  }
-  EXPECT_EQ(JournalOf(0x28, kConfigChange - 1), Strings());
-  EXPECT_EQ(JournalOf(0x28, kConfigChange + 1), Strings());
+  for (const unsigned i : {0u, 0x27u, 0x29u, 0x46u, 0x48u}) EXPECT_EQ(JournalOf(i), Strings());
+  EXPECT_EQ(JournalOf(0x28, kConfigChange - 1) + JournalOf(0x28, kConfigChange + 1), Strings());
   const std::string removal =
       "trace 3 CCallLogController::OnMessage [BROAD_MSG_CONFIG_CHANGE] wParam[0x47]";
   EXPECT_EQ(JournalOf(0x47), (Strings{removal, "register 0x8113-0x8113"}));

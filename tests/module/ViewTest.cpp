@@ -1,5 +1,5 @@
-// Tests of what the UI's pages are refused, and of icons. Which rows they get is ModelTest's, which
-// calls count as seen NotifyTest's.
+// Tests of what the UI's pages are refused, of icons, and of what is traced of the most dialled.
+// Which rows a list or a search gives is ModelTest's, which calls count as seen NotifyTest's.
 #include <climits>
 
 #include "tests/support/PhoneTest.h"
@@ -37,6 +37,22 @@ TEST_F(ViewTest, EachCallTypeHasItsIcon) {
               "./phone/resource/default/general_" + file + ".png");
   }
   for (const int other : {INT_MIN, 0, 5}) EXPECT_EQ(Controller().GetImagePathByType(other), "");
+}
+
+TEST_F(ViewTest, TheMostDialledNumbersAreTraced) {
+  const auto trace = [](const std::string& text) { return "trace 3 --Call log search: " + text; };
+  for (int i = 10; i < 22; ++i) Add(1, std::to_string(i), kNow - i);
+  TakeJournal({""});
+  CallLogSearchListData all;
+  all.request_count = 9;
+  CallLog_SearchRecentOutCall(&all);
+  EXPECT_EQ(TakeJournal({""}), Strings{trace("search recent out count is 12")});
+  SuperSearchListData ten;
+  ten.request_count = 1;
+  CallLog_SuperSearchRecentOutCall(&ten);
+  EXPECT_EQ(TakeJournal({""}),
+            (Strings{trace("max index is 10"), trace("search recent out count is 10")}));
+  EXPECT_EQ(CallLog_SearchRecentOutCall(nullptr) + CallLog_SuperSearchRecentOutCall(nullptr), 0);
 }
 
 }  // namespace

@@ -38,13 +38,11 @@ class SoakTest : public ServerTest, public ModelDriver {
   SoakTest() { platform->trace.SetLevel(0); }
 
   void Run() {
-    constexpr int kFirst = 1000;
-    constexpr int kStepsBetweenRestarts = 50000;  // a phone stays on for long
     curve << "calls,heap,emptied,resident\n";
-    Begin(20261007, kStepsBetweenRestarts);
+    Begin(20261007, 50000);  // a phone stays on for long
     CallLog_RegisterMessage();
-    const int interval = std::max(kFirst, wantedCalls / 100);
-    for (int next = kFirst; calls() < wantedCalls && !HasFailure();) {
+    const int interval = std::max(1000, wantedCalls / 100);
+    for (int next = 1000; calls() < wantedCalls && !HasFailure();) {
       Step();
       if (OneIn(150)) ChangeSources();
       if (OneIn(150)) ReadServerList();
@@ -68,8 +66,8 @@ class SoakTest : public ServerTest, public ModelDriver {
   void ChangeSources() {
     const int index = Below(static_cast<int>(sources_.size()));
     auto& source = sources_[static_cast<std::size_t>(index)];
-    const std::string path = "/" + std::to_string(Below(4));
-    source = MakeSource("127.0.0.1" + path, std::to_string(server.port()), kUser, kPassword);
+    source = MakeSource("127.0.0.1/" + std::to_string(Below(4)), std::to_string(server.port()),
+                        kUser, kPassword);
     if (OneIn(2)) source.name = "Office";
     Logs().SetConfigDataByIndex(index, source);
     platform->config["BDDirectoryShowSwitch"] = Below(2);

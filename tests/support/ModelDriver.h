@@ -16,6 +16,13 @@ namespace desk {
 inline const std::map<std::string, std::string> kContacts = {
     {"1001", "Bo"}, {"1002", "Bo"}, {"1003", "Zoë & Co"}};
 
+// Of which names and numbers are made up.
+inline const Strings kPieces =
+    List("\"", "'", "&", "<", ">", "&lt;", "&#0;", "]]>", "%s%n", "\xC3", "\xE2\x82", "\xF0\x9F",
+         "\xF0\x9F\x98", "\xC0\xAF", "\xE0\x9F\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xED\xA0\x80",
+         "\xEF\xBB\xBF", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xF0\x8F\xBF\xBF", "\xF0\x90\x80\x80",
+         "\xF4\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "é", "😀", "\uFFFD");
+
 inline std::string DurationText(int seconds) {
   const auto digits = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
   if (seconds < 0) return "";
@@ -118,11 +125,6 @@ class ModelDriver : public virtual PhoneTest {
 
  private:
   std::string RandomBytes() {
-    static const Strings kPieces = List(
-        "\"", "'", "&", "<", ">", "&lt;", "&#0;", "]]>", "%s%n", "\xC3", "\xE2\x82", "\xF0\x9F",
-        "\xF0\x9F\x98", "\xC0\xAF", "\xE0\x9F\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xED\xA0\x80",
-        "\xEF\xBB\xBF", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xF0\x8F\xBF\xBF", "\xF0\x90\x80\x80",
-        "\xF4\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "é", "😀", "\uFFFD");
     std::string bytes;
     for (int i = Below(9); i > 0; --i) {
       if (OneIn(2)) {
@@ -149,8 +151,7 @@ class ModelDriver : public virtual PhoneTest {
   }
 
   CallLogAddItemData RandomCall() {
-    CallLogAddItemData call = MakeCall(1 + Below(4), RandomNumber());
-    if (OneIn(40)) call.type = OneIn(2) ? 0 : 5;
+    auto call = MakeCall(OneIn(40) ? 5 * Below(2) : 1 + Below(4), RandomNumber());
     call.born_tick = kNow + step_ / 8 - Below(OneIn(5) ? 500 : 5);
     if (OneIn(5000)) call.born_tick = OneIn(2) ? INT_MIN : INT_MAX;
     call.duration = OneIn(10) ? -Below(3) : Below(400000);
@@ -270,6 +271,7 @@ class ModelDriver : public virtual PhoneTest {
       if (!OneIn(4) && typedCount_ < typed_.size()) ++typedCount_;
       if (OneIn(9) && typedCount_ > 0) --typedCount_;
       if (OneIn(9)) CallLog_Search(nullptr, RandomTyped() + "1");  // finds and changes nothing
+      if (OneIn(9)) Save();
       std::string key;
       for (std::size_t i = 0; i < typedCount_; ++i) key += typed_[i].first;
       auto page = MakePage<CallLogSearchListData>(OneIn(3) ? Below(9) - 1 : 0, RandomCount());
@@ -365,31 +367,33 @@ class ModelDriver : public virtual PhoneTest {
     platform->config["HistorySavedSwitch"] = model_.saving ? 1 : Below(2) * 2;
   }
 
+  struct Happening {
+    int chances;
+    const char* what;
+    void (ModelDriver::*happens)();
+  };
+  static constexpr Happening kEvents[] = {{640, "call", &ModelDriver::EndCall},
+                                          {80, "update", &ModelDriver::Update},
+                                          {70, "remove", &ModelDriver::Remove},
+                                          {30, "remove several", &ModelDriver::RemoveSeveral},
+                                          {2, "remove all", &ModelDriver::RemoveAll},
+                                          {40, "deal with a number", &ModelDriver::DealWithNumber},
+                                          {10, "read notify lists", &ModelDriver::ReadNotifyLists},
+                                          {48, "open a list", &ModelDriver::OpenList},
+                                          {65, "wait", &ModelDriver::Wait},
+                                          {5, "save", &ModelDriver::Save},
+                                          {25, "search", &ModelDriver::TypeKeys},
+                                          {15, "most dialled", &ModelDriver::ReadMostDialled},
+                                          {10, "redial", &ModelDriver::Redial},
+                                          {9, "refresh names", &ModelDriver::UpdateNames},
+                                          {1, "forget names", &ModelDriver::ForgetNames},
+                                          {10, "switch", &ModelDriver::Switch}};
+
   // One random event; what it was.
   std::string Event() {
-    static const struct {
-      int chances;
-      const char* what;
-      void (ModelDriver::*happens)();
-    } kEvents[] = {{640, "call", &ModelDriver::EndCall},
-                   {80, "update", &ModelDriver::Update},
-                   {70, "remove", &ModelDriver::Remove},
-                   {30, "remove several", &ModelDriver::RemoveSeveral},
-                   {2, "remove all", &ModelDriver::RemoveAll},
-                   {40, "deal with a number", &ModelDriver::DealWithNumber},
-                   {10, "read notify lists", &ModelDriver::ReadNotifyLists},
-                   {48, "open a list", &ModelDriver::OpenList},
-                   {65, "wait", &ModelDriver::Wait},
-                   {5, "save", &ModelDriver::Save},
-                   {25, "search", &ModelDriver::TypeKeys},
-                   {15, "most dialled", &ModelDriver::ReadMostDialled},
-                   {10, "redial", &ModelDriver::Redial},
-                   {9, "refresh names", &ModelDriver::UpdateNames},
-                   {1, "forget names", &ModelDriver::ForgetNames},
-                   {10, "switch", &ModelDriver::Switch}};
     if (OneIn(stepsBetweenRestarts_)) return Restart(), "power cycle";
     int chance = Below(1060);
-    for (const auto& event : kEvents) {
+    for (const Happening& event : kEvents) {
       chance -= event.chances;
       if (chance < 0) return (this->*event.happens)(), event.what;
     }

@@ -166,7 +166,6 @@ class PlainModel {
     stored.remote_display_name = NameOf(call.remote_sip_name, call.remote_display_name);
     stored.forward_display_name = NameOf(call.forward_sip_name, call.forward_display_name);
     stored.keys = KeysOf(stored.remote_display_name);
-
     const auto sameType = View(call.type);
     if (sameType.size() == 100) calls_.erase(calls_.begin() + (sameType.back() - calls_.data()));
     const auto older = [](int time, const PlainCall& other) { return time > other.born_tick; };
@@ -311,9 +310,8 @@ class PlainModel {
       if (rowOf.count(call.Name()) == 0) {
         if (rows.size() == 21) continue;
         rowOf[call.Name()] = rows.size();
-        std::string row = call.Name() + ", " + call.remote_sip_name;
-        if (type == 4) row += ", " + call.Target();
-        rows.emplace_back(row, 0);
+        const std::string target = type == 4 ? ", " + call.Target() : "";
+        rows.emplace_back(call.Name() + ", " + call.remote_sip_name + target, 0);
       }
       ++rows[rowOf[call.Name()]].second;
     }

@@ -107,13 +107,12 @@ class ServerTest : public virtual PhoneTest {
     return numbers;
   }
 
+  // False when it takes too long.
+  bool WaitForPost() { return platform->loop.WaitForPost(std::chrono::seconds(60)); }
   // Lets transfers end until no more than `running` are left. What the application was told, each
   // as "LPARAM URL".
   Strings Settle(std::size_t running = 0) {
-    constexpr auto kTooLong = std::chrono::seconds(60);
-    while (platform->transfers.Running() > running && platform->loop.WaitForPost(kTooLong)) {
-      platform->RunDue();
-    }
+    while (platform->transfers.Running() > running && WaitForPost()) platform->RunDue();
     EXPECT_EQ(platform->transfers.Running(), running);
     Strings told;
     for (const Message& message : platform->loop.TakeAppMessages()) {
