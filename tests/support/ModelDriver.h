@@ -10,6 +10,7 @@
 #include "platform/SettingTime.h"
 #include "tests/support/PhoneTest.h"
 #include "tests/support/PlainModel.h"
+#include "tests/support/RowText.h"
 
 namespace desk {
 
@@ -81,7 +82,7 @@ class ModelDriver : public virtual PhoneTest {
   bool OneIn(int chances) { return Below(chances) == 0; }
   template <class List>
   const std::string& Pick(const List& list) {
-    return list[Below(static_cast<int>(std::size(list)))];
+    return list[static_cast<std::size_t>(Below(static_cast<int>(std::size(list))))];
   }
 
   void ReadNotifyLists() {
@@ -199,21 +200,6 @@ class ModelDriver : public virtual PhoneTest {
     model_.Remove(view, {rows.begin(), rows.end()});
   }
 
-  // A row of a list, and a call as its row or detail.
-  template <class Row>
-  static std::string TextOf(const Row& row) {
-    return row.display_name + ", " + row.number;
-  }
-  static std::string TextOf(const ForwardedCallData& row) {
-    return row.display_name + ", " + row.number + ", " + row.forward_display_name;
-  }
-  static std::string TextOf(const CallLogSimpleData& row) {
-    return row.display_name + ", " + row.time_text + ", " + std::to_string(row.type);
-  }
-  static std::string RowOf(const PlainCall& call) {
-    return call.Name() + ", " + Setting_CallLogTime2String(call.born_tick, " ") + ", " +
-           std::to_string(call.type);
-  }
   static void ExpectDetail(const PlainCall& call, const CallLogDetailData& detail) {
     EXPECT_EQ(detail.display_name, call.remote_display_name);
     EXPECT_EQ(detail.number, call.remote_sip_name);
