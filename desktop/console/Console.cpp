@@ -5,7 +5,7 @@
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Screen.h"
 #include "desktop/platform/Text.h"
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 namespace desk {
 namespace {

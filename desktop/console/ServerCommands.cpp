@@ -8,7 +8,7 @@
 #include "desktop/console/Screen.h"
 #include "desktop/console/SourceCheck.h"
 #include "desktop/platform/Text.h"
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 #include "desktop/server/LogServer.h"
 
 namespace desk {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "desktop/platform/Text.h"
-#include "desktop/platform/TransferUrl.h"
 #include "desktop/platform/WholeNumber.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 namespace desk {
 namespace {

@@ -10,7 +10,6 @@
 
 #include "desktop/platform/Accounts.h"
 #include "desktop/platform/Clock.h"
-#include "desktop/platform/Contacts.h"
 #include "desktop/platform/Display.h"
 #include "desktop/platform/Journal.h"
 #include "desktop/platform/MessageLoop.h"
@@ -18,7 +17,8 @@
 #include "desktop/platform/Talk.h"
 #include "desktop/platform/ThreadTimers.h"
 #include "desktop/platform/Trace.h"
-#include "desktop/platform/Transfer.h"
+#include "desktop/platform/contacts/Contacts.h"
+#include "desktop/platform/transfer/Transfer.h"
 
 namespace desk {
 

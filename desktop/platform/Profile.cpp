@@ -18,7 +18,7 @@
 #include <utility>
 
 #include "desktop/platform/Text.h"
-#include "desktop/platform/VCard.h"
+#include "desktop/platform/contacts/VCard.h"
 
 namespace desk {
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "desktop/platform/Accounts.h"
-#include "desktop/platform/Contacts.h"
-#include "desktop/platform/Transfer.h"
+#include "desktop/platform/contacts/Contacts.h"
+#include "desktop/platform/transfer/Transfer.h"
 
 namespace desk {
 

@@ -3,7 +3,7 @@
 
 #include "desktop/platform/Journal.h"
 #include "desktop/platform/Text.h"
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 namespace desk {
 

@@ -1,6 +1,6 @@
 // Names as users look for them: the key-pad form and the folded form, which are made of the name's
 // parts alone.
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 #include "platform/CommonUnits.h"
 #include "tests/fuzz/Fuzz.h"
 

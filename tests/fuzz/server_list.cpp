@@ -1,6 +1,6 @@
 // The document that a server sends. Whatever it is, its list is there or it is not; rows and
 // details of one that is there agree, and none lies beyond the total.
-#include "desktop/platform/Transfer.h"
+#include "desktop/platform/transfer/Transfer.h"
 #include "platform/TaskAction.h"
 #include "tests/fuzz/Fuzz.h"
 

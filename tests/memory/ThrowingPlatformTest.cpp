@@ -2,7 +2,7 @@
 // this program's own key-pad form and lamp stand in front of the desktop's.
 #include <stdexcept>
 
-#include "desktop/platform/KeyPad.h"
+#include "desktop/platform/contacts/KeyPad.h"
 #include "platform/CommonUnits.h"
 #include "platform/LedLamp.h"
 #include "tests/support/PhoneTest.h"

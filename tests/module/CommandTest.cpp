@@ -2,7 +2,7 @@
 // directory, exported functions to their controllers, and the configuration message.
 #include <functional>
 
-#include "desktop/platform/KeyPad.h"
+#include "desktop/platform/contacts/KeyPad.h"
 #include "platform/CommonUnits.h"
 #include "platform/Directory.h"
 #include "tests/support/PhoneTest.h"

@@ -5,7 +5,7 @@
 
 #include "desktop/platform/ClickAction.h"
 #include "desktop/platform/Text.h"
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 
 int CommonAPI_ParseIdByClickAction(const std::string& action, const std::string& pattern) {
   return desk::ParseIdByClickAction(action, pattern);

@@ -1,9 +1,9 @@
 // Idle statuses go to the display; the key-pad form is KeyPad's.
 #include "platform/CommonUnits.h"
 
-#include "desktop/platform/KeyPad.h"
 #include "desktop/platform/Platform.h"
 #include "desktop/platform/Text.h"
+#include "desktop/platform/contacts/KeyPad.h"
 
 using desk::Platform;
 

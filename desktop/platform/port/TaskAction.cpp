@@ -2,7 +2,7 @@
 #include "platform/TaskAction.h"
 
 #include "desktop/platform/Quietly.h"
-#include "desktop/platform/Transfer.h"
+#include "desktop/platform/transfer/Transfer.h"
 #include "platform/EtlMsgHandler.h"
 
 using desk::Transfer;

@@ -5,7 +5,7 @@
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Commands.h"
 #include "desktop/console/SourceCheck.h"
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 #include "desktop/server/LogServer.h"
 #include "tests/support/PhoneTest.h"
 

@@ -1,8 +1,8 @@
 // The layout of the key pad. Case, accents and the Latin letters beyond a to z are TextMatch's:
 // such a letter lies on the key of the first basic letter that users type for it.
-#include "desktop/platform/KeyPad.h"
+#include "desktop/platform/contacts/KeyPad.h"
 
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 
 namespace desk {
 namespace {

@@ -1,7 +1,7 @@
 // A small reader of our own, because no library of Debian 12 serves: libvformat crashes on a
 // cut-off file, libbelcard reads 4.0 alone, libvc neither unfolds nor decodes, and libkf5contacts
 // and libebook-contacts bring much of the Qt or GNOME platform along.
-#include "desktop/platform/VCard.h"
+#include "desktop/platform/contacts/VCard.h"
 
 #include <utf8proc.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/platform/Contacts.h"
+#include "desktop/platform/contacts/Contacts.h"
 
 namespace desk {
 

@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "desktop/platform/PrivateFile.h"
-#include "desktop/platform/Transfer.h"
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/Transfer.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 namespace desk {
 

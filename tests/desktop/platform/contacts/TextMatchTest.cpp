@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // An index from number to contact keeps look-ups fast; only a removal or a replacement of all
 // rebuilds it.
-#include "desktop/platform/Contacts.h"
+#include "desktop/platform/contacts/Contacts.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 // How a transfer's URL is split: unescaped credentials apart from what is sent.
 #include <gtest/gtest.h>
 
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Folding over utf8proc's Unicode tables; only the letters that Unicode does not decompose, though
 // users type basic Latin letters for them, have a table here.
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 
 #include <utf8proc.h>
 

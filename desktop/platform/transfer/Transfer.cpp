@@ -1,6 +1,6 @@
 // A download's file appears under its real name only when its completion is delivered, so that
 // transfers into one local file never meet.
-#include "desktop/platform/Transfer.h"
+#include "desktop/platform/transfer/Transfer.h"
 
 #include <algorithm>
 #include <cassert>
@@ -11,7 +11,7 @@
 #include "desktop/platform/MessageLoop.h"
 #include "desktop/platform/Quietly.h"
 #include "desktop/platform/Trace.h"
-#include "desktop/platform/TransferThread.h"
+#include "desktop/platform/transfer/TransferThread.h"
 #include "platform/EtlMsgHandler.h"
 
 namespace desk {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/platform/Contacts.h"
-#include "desktop/platform/VCard.h"
+#include "desktop/platform/contacts/Contacts.h"
+#include "desktop/platform/contacts/VCard.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // One thread with libcurl's multi interface: takes on what has arrived, ends what is done, stopped
 // or idle for too long, and posts each end.
-#include "desktop/platform/TransferThread.h"
+#include "desktop/platform/transfer/TransferThread.h"
 
 #include <signal.h>
 

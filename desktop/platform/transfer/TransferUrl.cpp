@@ -1,5 +1,5 @@
 // Credentials are cut off by hand, since nobody has escaped them; the rest is libcurl's parser's.
-#include "desktop/platform/TransferUrl.h"
+#include "desktop/platform/transfer/TransferUrl.h"
 
 #include <curl/curl.h>
 

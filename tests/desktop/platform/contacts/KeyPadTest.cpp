@@ -2,7 +2,7 @@
 // How text is read and folded is TextMatch's, and tested there.
 #include <gtest/gtest.h>
 
-#include "desktop/platform/KeyPad.h"
+#include "desktop/platform/contacts/KeyPad.h"
 
 namespace {
 
