@@ -7,7 +7,7 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 seconds=${1:-30}
 shift || true
-targets=(history sources server_list time_stamp click_action key_pad call_records script)
+targets=(history sources server_list time_stamp click_action key_pad call_records)
 [ $# -eq 0 ] || targets=("$@")
 
 install_missing $build_packages $check_packages libclang-rt-14-dev libxml2-dev
@@ -22,7 +22,6 @@ trap 'rm -rf "$work"' EXIT
 max_len() {
   case $1 in
     history | sources | server_list | call_records) echo 8192 ;;
-    script) echo 2048 ;;
     *) echo 256 ;;
   esac
 }

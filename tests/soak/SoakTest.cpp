@@ -71,13 +71,15 @@ class SoakTest : public ServerTest, public ModelDriver {
     if (OneIn(2)) source.name = "Office";
     Logs().SetConfigDataByIndex(index, source);
     platform->config["BDDirectoryShowSwitch"] = Below(2);
-    if (OneIn(4)) {
-      EXPECT_EQ(platform->loop.Send({0x10007, 0x28, 0, {}}), 1);
-      const auto told = platform->loop.TakeAppMessages();
-      ASSERT_EQ(told.size(), 1u);
-      EXPECT_EQ(told.front().message, 0x914u);
-    }
+    if (OneIn(4)) ReadAnew();
     CheckSources();
+  }
+
+  void ReadAnew() {
+    EXPECT_EQ(platform->loop.Send({0x10007, 0x28, 0, {}}), 1);
+    const auto told = platform->loop.TakeAppMessages();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told.front().message, 0x914u);
   }
 
   void CheckSources() {

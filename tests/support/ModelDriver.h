@@ -24,12 +24,6 @@ inline const Strings kPieces =
          "\xEF\xBB\xBF", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xF0\x8F\xBF\xBF", "\xF0\x90\x80\x80",
          "\xF4\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "é", "😀", "\uFFFD");
 
-inline std::string DurationText(int seconds) {
-  const auto digits = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
-  if (seconds < 0) return "";
-  return digits(seconds / 3600) + ":" + digits(seconds / 60 % 60) + ":" + digits(seconds % 60);
-}
-
 class ModelDriver : public virtual PhoneTest {
  protected:
   ModelDriver() {
@@ -277,13 +271,17 @@ class ModelDriver : public virtual PhoneTest {
     ExpectPage(resultOfTen, ten, model_.MostDialled(true, first, count));
   }
 
-  void Redial() {
+  void SwitchAccounts() {
     model_.usable.clear();
     for (const char* name : {"anna", "quiet"}) {
       Account* const account = platform->accounts.Find(name);
       account->usable = OneIn(2);
       if (account->usable) model_.usable[name] = account->id;
     }
+  }
+
+  void Redial() {
+    SwitchAccounts();
     platform->talk = Talk();
     Controller().RedialNumberByClickAction(Action(2));
     const std::string number = model_.LastNumber(true);

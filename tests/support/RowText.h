@@ -9,6 +9,12 @@
 
 namespace desk {
 
+inline std::string DurationText(int seconds) {
+  const auto digits = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n); };
+  if (seconds < 0) return "";
+  return digits(seconds / 3600) + ":" + digits(seconds / 60 % 60) + ":" + digits(seconds % 60);
+}
+
 template <class Row>
 std::string TextOf(const Row& row) {
   return row.display_name + ", " + row.number;

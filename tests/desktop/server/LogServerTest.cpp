@@ -107,13 +107,12 @@ TEST_F(LogServerTest, ServesTheFilesOfItsDirectoryAlone) {
   WriteFile(root.path() / "private", "private");
   fs::create_directory(documents() / "folder");
   fs::create_symlink(root.path() / "private", documents() / "link");
-  fs::create_symlink(documents() / "none", documents() / "dangling");
   ASSERT_EQ(mkfifo((documents() / "fifo").c_str(), 0600), 0);
   EXPECT_EQ(Client(server, "/Missed").Read(100), "missed");
   EXPECT_EQ(Client(server, "/v2.0/Missed.xml").Read(100), "missed");
   EXPECT_EQ(Client(server, "/Empty").Status(), 200);
-  for (const char* path : {"/link", "/dangling", "/fifo", "/folder", "/", "/..", "/..%2Fprivate",
-                           "/Missed%00", "/Missed.xml%00"}) {
+  for (const char* path :
+       {"/link", "/fifo", "/folder", "/", "/..", "/..%2Fprivate", "/Missed%00", "/Missed.xml%00"}) {
     EXPECT_EQ(Client(server, path).Status(), 404) << path;
   }
 }
