@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -31,7 +32,7 @@ void Note(int signal) {
   arrived[static_cast<std::size_t>(signal)] = true;
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = write(wakeUp, &one, sizeof one);
-  if (signal != SIGTSTP && signal != SIGCONT) LeaveStoppedOutput();
+  if (std::count(std::begin(kEnding), std::end(kEnding), signal) != 0) LeaveStoppedOutput();
   errno = error;
 }
 
@@ -61,7 +62,7 @@ void Signals::Catch(int signal, int flags) {
 }
 
 void Signals::CatchStops() {
-  for (const int signal : {SIGTSTP, SIGCONT}) Catch(signal, SA_RESTART);
+  for (const int signal : {SIGTSTP, SIGCONT, SIGWINCH}) Catch(signal, SA_RESTART);
 }
 
 // A descriptor of its own: the other may be closed before the last signal arrives.

@@ -1,23 +1,22 @@
-// Readline in its callback mode, so that one thread waits for keys, timers and transfers at once.
 #include "desktop/console/Terminal.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
-#include <cstdio>  // readline's header needs FILE
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
-#include <iostream>
-#include <memory>
+#include <fstream>
+#include <optional>
 #include <string>
 #include <utility>
-
-#include <readline/history.h>
-#include <readline/readline.h>
+#include <vector>
 
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Commands.h"
+#include "desktop/console/LineEditor.h"
 #include "desktop/console/Signals.h"
+#include "desktop/platform/PrivateFile.h"
 #include "desktop/platform/Text.h"
 
 namespace desk {
@@ -25,68 +24,17 @@ namespace {
 
 constexpr char kPrompt[] = "phone> ";
 constexpr char kHistoryFile[] = "commands";  // in the phone's directory
-constexpr int kHistoryLength = 500;
 
-// Readline calls back without a context of ours.
-Console* terminal = nullptr;
-Signals* terminalSignals = nullptr;
-
-void OnLine(char* text) {
-  const std::unique_ptr<char, decltype(&std::free)> line(text, std::free);
-  Console& console = *terminal;
-  if (line == nullptr) {
-    rl_callback_handler_remove();
-    console.out << "\n";
-    console.wantsToQuit = true;
-    return;
-  }
-  if (*line != '\0') add_history(line.get());
-  try {
-    RunCommand(console, line.get());
-  } catch (const CommandError& error) {
-    console.out << "  " << Printable(error.what()) << "\n";
-  }
-  console.out << std::flush;
-  if (terminalSignals->Ending() != 0) console.wantsToQuit = true;
-  if (console.wantsToQuit) rl_callback_handler_remove();  // which would show the prompt again
-}
-
-// Readline asks until there is none, and sorts them.
-char* NextCommand(const char* prefix, int state) {
-  static std::vector<std::string> names;
+// Commands for the first word.
+Completions Complete(const std::string& before) {
+  Completions found;
   for (const CommandGroup& group : AllCommands()) {
     for (const Command& command : group.commands) {
-      if (state == 0 && command.name.rfind(prefix, 0) == 0) names.push_back(command.name);
+      if (command.name.rfind(before, 0) == 0) found.words.push_back(command.name);
     }
   }
-  if (names.empty()) return nullptr;
-  char* const name = strdup(names.back().c_str());
-  names.pop_back();
-  return name;
-}
-
-// Commands for the first word, files for the others.
-char** Complete(const char* text, int start, int /*end*/) {
-  return start == 0 ? rl_completion_matches(text, NextCommand) : nullptr;
-}
-
-// Shows the line that is being edited again, below what `print` prints.
-template <typename Print>
-void Redisplay(Print print) {
-  rl_clear_visible_line();
-  print();
-  rl_on_new_line();
-  rl_redisplay();
-}
-
-// What happened while the user was typing goes above the line that is being edited.
-void ReportAboveLine(Console& console) {
-  const std::vector<News> news = console.phone.TakeNews();
-  if (news.empty()) return;
-  Redisplay([&] {
-    PrintNews(console.out, news);
-    console.out << std::flush;
-  });
+  std::sort(found.words.begin(), found.words.end());
+  return found;
 }
 
 // Whether the command that is running is to end: Ctrl-C ends it alone. Ctrl-Z is seen to, too.
@@ -98,19 +46,11 @@ bool IsCommandInterrupted(Signals& signals) {
 // Who sets the modes of a terminal that is another's at the time is stopped.
 bool HasTerminal() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
 
-// At the prompt the terminal is in readline's modes, and whoever had it meanwhile has left others.
-void SeeToStops(Signals& signals) {
-  if (signals.Take(SIGTSTP)) {
-    rl_deprep_terminal();
-    signals.Stop();
-  }
-  static bool continued = false;  // in the background, at times: then the terminal comes later
-  continued = signals.Take(SIGCONT) || continued;
-  if (!continued || !HasTerminal()) return;
-  continued = false;
-  rl_deprep_terminal();
-  rl_prep_terminal(1);
-  Redisplay([] {});
+// Then nobody finds a terminal there whose modes could be set.
+void CloseInput() {
+  const int nowhere = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  dup2(nowhere, STDIN_FILENO);
+  close(nowhere);
 }
 
 int PollTimeout(Phone& phone) {
@@ -121,65 +61,116 @@ int PollTimeout(Phone& phone) {
       std::max<Milliseconds::rep>(0, std::min<Milliseconds::rep>(left, 60'000)));
 }
 
-// Signals are looked at after the loop has run, which takes what woke it.
-void RunPrompt(Console& console, Signals& signals) {
-  pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0},
-                      {console.phone.platform().loop.descriptor(), POLLIN, 0}};
-  while (!console.wantsToQuit) {
-    console.phone.platform().RunDue();
-    ReportAboveLine(console);
-    if (signals.Ending() == 0) SeeToStops(signals);
-    if (signals.Ending() != 0) return;
-    if (poll(waiting, 2, PollTimeout(console.phone)) < 0) continue;
-    if ((waiting[0].revents & ~POLLIN) != 0) return;  // the terminal is gone
-    if (waiting[0].revents == 0) continue;
-    SeeToStops(signals);
-    rl_callback_read_char();
-  }
-}
-
-void StartReadline() {
-  rl_readline_name = "deskphone";
-  rl_catch_signals = 0;
-  rl_attempted_completion_function = Complete;
-  using_history();
-  read_history(kHistoryFile);
-  rl_callback_handler_install(kPrompt, OnLine);
-}
-
 // The lines of a command that takes a password, and others in which one may stand.
-bool MayHoldPassword(const char* line) {
-  return std::strncmp(line, "source", std::strlen("source")) == 0 ||
-         strcasestr(line, "passw") != nullptr;
+bool MayHoldPassword(const std::string& line) {
+  return line.rfind("source", 0) == 0 || strcasestr(line.c_str(), "passw") != nullptr;
 }
 
-void WriteLines() {
-  for (int i = history_length - 1; i >= 0; --i) {
-    if (MayHoldPassword(history_get(history_base + i)->line)) free_history_entry(remove_history(i));
+// The phone's prompt: while the user types, the message loop runs.
+class Terminal {
+ public:
+  Terminal(Console& console, Signals& signals) : console_(console), signals_(signals) {
+    std::ifstream file(kHistoryFile);
+    for (std::string line; std::getline(file, line);) editor_.Remember(line);
   }
-  stifle_history(kHistoryLength);
-  write_history(kHistoryFile);
-}
 
-// What is to be kept comes first: a terminal that is held up holds up whoever writes to it.
-void EndReadline(Phone& phone) {
-  phone.Save();
-  WriteLines();
-  if (HasTerminal()) rl_callback_handler_remove();
-}
+  void Run() {
+    while (!console_.wantsToQuit && signals_.Ending() == 0) {
+      const std::optional<std::string> line = editor_.Read();
+      if (!line) break;
+      CarryOut(*line);
+    }
+    Keep();
+    if (!console_.wantsToQuit) console_.out << "\n";  // behind the prompt
+  }
+
+ private:
+  void CarryOut(const std::string& line) {
+    if (!line.empty()) editor_.Remember(line);
+    try {
+      RunCommand(console_, line);
+    } catch (const CommandError& error) {
+      console_.out << "  " << Printable(error.what()) << "\n";
+    }
+    console_.out << std::flush;
+  }
+
+  // What is to be kept comes before the terminal gets its modes back: one that is held up holds up
+  // whoever sets them.
+  bool WaitForKey() {
+    if (GoOnUntilKey()) return true;
+    Keep();
+    if (!HasTerminal()) CloseInput();
+    return false;
+  }
+
+  // Signals are looked at after the loop has run, which takes what woke it.
+  bool GoOnUntilKey() {
+    pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0},
+                        {console_.phone.platform().loop.descriptor(), POLLIN, 0}};
+    for (;;) {
+      console_.phone.platform().RunDue();
+      ReportAboveLine();
+      if (signals_.Ending() != 0) return false;
+      SeeToStops();
+      if (poll(waiting, 2, PollTimeout(console_.phone)) < 0) continue;
+      if ((waiting[0].revents & ~POLLIN) != 0) return false;  // the terminal is gone
+      if (waiting[0].revents == 0) continue;
+      SeeToStops();
+      return true;
+    }
+  }
+
+  // What happened while the user was typing goes above the line that is being edited.
+  void ReportAboveLine() {
+    const std::vector<News> news = console_.phone.TakeNews();
+    if (news.empty()) return;
+    editor_.HideLine();
+    PrintNews(console_.out, news);
+    editor_.ShowLine();
+  }
+
+  // At the prompt the terminal is in the editor's modes, and whoever had it meanwhile has left
+  // others.
+  void SeeToStops() {
+    if (signals_.Take(SIGWINCH)) editor_.TakeSize();
+    if (signals_.Take(SIGTSTP)) {
+      editor_.LeaveTerminal();
+      signals_.Stop();
+    }
+    continued_ = signals_.Take(SIGCONT) || continued_;
+    if (!continued_ || !HasTerminal()) return;
+    continued_ = false;
+    editor_.LeaveTerminal();
+    editor_.TakeTerminal();
+    editor_.ShowLine();
+  }
+
+  void Keep() {
+    console_.phone.Save();
+    std::string lines;
+    for (const std::string& line : editor_.Lines()) {
+      if (!MayHoldPassword(line)) lines.append(line).append("\n");
+    }
+    PrivateFile file;
+    if (file.CreateBeside(kHistoryFile) && file.Write(lines.data(), lines.size()) && file.Close()) {
+      file.MoveTo(kHistoryFile);
+    }
+  }
+
+  Console& console_;
+  Signals& signals_;
+  LineEditor editor_{kPrompt, [this] { return WaitForKey(); }, Complete};
+  bool continued_ = false;  // in the background, at times: then the terminal comes later
+};
 
 }  // namespace
 
 void RunTerminal(Console& console, Signals& signals) {
-  terminal = &console;
-  terminalSignals = &signals;
   signals.CatchStops();
   const auto before = std::exchange(console.phone.interrupted,
                                     [&signals] { return IsCommandInterrupted(signals); });
-  StartReadline();
-  RunPrompt(console, signals);
-  EndReadline(console.phone);
-  if (!console.wantsToQuit) console.out << "\n";  // behind the prompt
+  Terminal(console, signals).Run();
   console.phone.interrupted = before;
 }
 

@@ -1,0 +1,181 @@
+#include "desktop/console/LineEditor.h"
+
+#include <fcntl.h>
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <iostream>
+#include <utility>
+
+#include <histedit.h>
+
+namespace desk {
+namespace {
+
+constexpr int kLinesKept = 500;
+
+// Texts are UTF-8 here, whatever the user's language.
+void UseUtf8() {
+  const bool set = std::setlocale(LC_CTYPE, "") != nullptr;
+  if (!set || std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+bool CanMoveCursor() {
+  const char* const terminal = std::getenv("TERM");
+  return terminal != nullptr && std::strcmp(terminal, "dumb") != 0;
+}
+
+int ScreenWidth() {
+  winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+int WidthOf(const wchar_t* begin, const wchar_t* end) {
+  return std::max(0, wcswidth(begin, static_cast<std::size_t>(end - begin)));
+}
+
+std::size_t CharactersIn(const std::string& text) {
+  return std::mbstowcs(nullptr, text.c_str(), 0);
+}
+
+std::string CommonBeginning(const std::vector<std::string>& words) {
+  std::string common = words.front();
+  for (const std::string& word : words) {
+    const auto end = std::mismatch(common.begin(), common.end(), word.begin(), word.end()).first;
+    common.erase(end, common.end());
+  }
+  return common;
+}
+
+void PrintWords(const std::vector<std::string>& words) {
+  const auto longest = std::max_element(
+      words.begin(), words.end(), [](const auto& a, const auto& b) { return a.size() < b.size(); });
+  const std::size_t width = longest->size() + 2;
+  const std::size_t inRow =
+      std::max<std::size_t>(1, static_cast<std::size_t>(ScreenWidth()) / width);
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const bool last = i + 1 == words.size() || (i + 1) % inRow == 0;
+    std::cout << words[i] << (last ? "\n" : std::string(width - words[i].size(), ' '));
+  }
+  std::cout << std::flush;
+}
+
+}  // namespace
+
+LineEditor::LineEditor(const char* prompt, WaitForKey wait, Complete complete)
+    : prompt_(prompt), wait_(std::move(wait)), complete_(std::move(complete)) {
+  UseUtf8();
+  HistEvent event;
+  lines_ = history_init();
+  ::history(lines_, &event, H_SETSIZE, kLinesKept);
+  editor_ = el_init("deskphone", stdin, stdout, stderr);
+  el_set(editor_, EL_CLIENTDATA, this);
+  el_set(editor_, EL_PROMPT, Prompt);
+  el_set(editor_, EL_EDITOR, "emacs");
+  el_set(editor_, EL_HIST, ::history, lines_);
+  el_set(editor_, EL_GETCFN, ReadCharacter);
+  el_set(editor_, EL_ADDFN, "complete-word", "completes a word", OnTab);
+  el_set(editor_, EL_BIND, "^I", "complete-word", nullptr);
+  el_source(editor_, nullptr);
+}
+
+LineEditor::~LineEditor() {
+  el_end(editor_);
+  history_end(lines_);
+}
+
+std::optional<std::string> LineEditor::Read() {
+  int length = 0;
+  TakeTerminal();
+  const char* const line = el_gets(editor_, &length);
+  if (line == nullptr || length <= 0) return std::nullopt;
+  return std::string(line, line[length - 1] == '\n' ? length - 1 : length);
+}
+
+void LineEditor::HideLine() {
+  if (!CanMoveCursor()) {
+    std::cout << "\n";
+    return;
+  }
+  const LineInfoW& line = *el_wline(editor_);
+  const int before = static_cast<int>(prompt_.size()) + WidthOf(line.buffer, line.cursor);
+  for (int row = before / ScreenWidth(); row > 0; --row) std::cout << "\x1b[A";
+  std::cout << "\r\x1b[J";
+}
+
+void LineEditor::ShowLine() {
+  std::cout << std::flush;
+  el_set(editor_, EL_REFRESH);
+}
+
+void LineEditor::LeaveTerminal() { el_set(editor_, EL_PREP_TERM, 0); }
+
+void LineEditor::TakeTerminal() { el_set(editor_, EL_PREP_TERM, 1); }
+
+void LineEditor::TakeSize() { el_resize(editor_); }
+
+void LineEditor::Remember(const std::string& line) {
+  HistEvent event;
+  ::history(lines_, &event, H_ENTER, line.c_str());
+}
+
+std::vector<std::string> LineEditor::Lines() const {
+  std::vector<std::string> lines;
+  HistEvent event;
+  for (int more = ::history(lines_, &event, H_LAST); more != -1;
+       more = ::history(lines_, &event, H_PREV)) {
+    lines.emplace_back(event.str);
+  }
+  return lines;
+}
+
+LineEditor& LineEditor::Of(editline* editor) {
+  void* self = nullptr;
+  el_get(editor, EL_CLIENTDATA, &self);
+  return *static_cast<LineEditor*>(self);
+}
+
+char* LineEditor::Prompt(editline* editor) { return Of(editor).prompt_.data(); }
+
+// One, or 0 at the end.
+int LineEditor::ReadCharacter(editline* editor, wchar_t* character) {
+  std::mbstate_t state = {};
+  char byte = 0;
+  while (Of(editor).wait_() && read(STDIN_FILENO, &byte, 1) == 1) {
+    const std::size_t length = std::mbrtowc(character, &byte, 1, &state);
+    if (length == static_cast<std::size_t>(-2)) continue;
+    if (length == static_cast<std::size_t>(-1)) *character = L'?';
+    return 1;
+  }
+  return 0;
+}
+
+unsigned char LineEditor::OnTab(editline* editor, int /*key*/) { return Of(editor).CompleteWord(); }
+
+// Puts in what all that may be meant have in common, and lists them when that is nothing new.
+unsigned char LineEditor::CompleteWord() {
+  const LineInfo& line = *el_line(editor_);
+  const std::string before(line.buffer, line.cursor);
+  const Completions found = complete_(before);
+  if (found.words.empty()) return CC_ERROR;
+  const std::string begun = before.substr(found.begin);
+  std::string word = CommonBeginning(found.words);
+  if (found.words.size() == 1 && word.back() != '/') word += " ";
+  if (word == begun) {
+    std::cout << "\n";
+    PrintWords(found.words);
+    return CC_REDISPLAY;
+  }
+  el_deletestr(editor_, static_cast<int>(CharactersIn(begun)));
+  el_insertstr(editor_, word.c_str());
+  return CC_REFRESH;
+}
+
+}  // namespace desk
