@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # A desk phone's life of a million calls, or of as many as are named, compared with a plain model of
-# it all the way: soak.sh [CALLS]. A few minutes. The memory that it took becomes a
-# picture: docs/soak.svg of the million, else build/default/soak.svg.
+# it all the way: soak.sh [CALLS | keep]. A few minutes. The memory that it took becomes a picture,
+# build/default/soak.svg; "keep" puts that of the million into docs/.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
@@ -9,10 +9,11 @@ install_missing $build_packages gnuplot-nox
 build default calllog_soak
 tree="$top/build/default"
 picture="$tree/soak.svg"
-[ $# -gt 0 ] || picture="$top/docs/soak.svg"
+calls=${1:-1000000}
+[ "$calls" != keep ] || { calls=1000000 picture="$top/docs/soak.svg"; }
 
 # What the allocator holds back for a thread would count as memory in use.
-GLIBC_TUNABLES=glibc.malloc.tcache_count=0 "$tree/bin/calllog_soak" "${1:-1000000}" "$tree/soak.csv"
+GLIBC_TUNABLES=glibc.malloc.tcache_count=0 "$tree/bin/calllog_soak" "$calls" "$tree/soak.csv"
 
 # No background, and colours that are read on white and on black.
 gnuplot >"$picture" <<END
