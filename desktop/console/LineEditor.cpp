@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <langinfo.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +14,8 @@
 #include <utility>
 
 #include <histedit.h>
+
+#include "desktop/console/Columns.h"
 
 namespace desk {
 namespace {
@@ -30,11 +31,6 @@ void UseUtf8() {
 bool CanMoveCursor() {
   const char* const terminal = std::getenv("TERM");
   return terminal != nullptr && std::strcmp(terminal, "dumb") != 0;
-}
-
-int ScreenWidth() {
-  winsize size = {};
-  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 int WidthOf(const wchar_t* begin, const wchar_t* end) {
@@ -59,7 +55,7 @@ void PrintWords(const std::vector<std::string>& words) {
       words.begin(), words.end(), [](const auto& a, const auto& b) { return a.size() < b.size(); });
   const std::size_t width = longest->size() + 2;
   const std::size_t inRow =
-      std::max<std::size_t>(1, static_cast<std::size_t>(ScreenWidth()) / width);
+      std::max<std::size_t>(1, static_cast<std::size_t>(TerminalSize().columns) / width);
   for (std::size_t i = 0; i < words.size(); ++i) {
     const bool last = i + 1 == words.size() || (i + 1) % inRow == 0;
     std::cout << words[i] << (last ? "\n" : std::string(width - words[i].size(), ' '));
@@ -106,7 +102,7 @@ void LineEditor::HideLine() {
   }
   const LineInfoW& line = *el_wline(editor_);
   const int before = static_cast<int>(prompt_.size()) + WidthOf(line.buffer, line.cursor);
-  for (int row = before / ScreenWidth(); row > 0; --row) std::cout << "\x1b[A";
+  for (int row = before / TerminalSize().columns; row > 0; --row) std::cout << "\x1b[A";
   std::cout << "\r\x1b[J";
 }
 
@@ -157,7 +153,12 @@ int LineEditor::ReadCharacter(editline* editor, wchar_t* character) {
   return 0;
 }
 
-unsigned char LineEditor::OnTab(editline* editor, int /*key*/) { return Of(editor).CompleteWord(); }
+// Between them stands the editor, which is C.
+unsigned char LineEditor::OnTab(editline* editor, int /*key*/) try {
+  return Of(editor).CompleteWord();
+} catch (const std::exception&) {
+  return CC_ERROR;
+}
 
 // Puts in what all that may be meant have in common, and lists them when that is nothing new.
 unsigned char LineEditor::CompleteWord() {

@@ -1,11 +1,10 @@
 // Tables and boxes of text. Whatever a caller or a server chose is made printable here.
 #include "desktop/console/Screen.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 
 #include "desktop/console/CallLists.h"
+#include "desktop/console/Columns.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/TimeText.h"
 
@@ -18,26 +17,10 @@ std::string Join(const std::vector<std::string>& parts) {
   return joined;
 }
 
-// Terminal columns of printable UTF-8.
-std::size_t Width(std::string_view text) {
-  int width = 0;
-  while (!text.empty()) width += std::max(0, utf8proc_charwidth(TakeCharacter(&text).code));
-  return static_cast<std::size_t>(width);
-}
-
-std::string Padded(const std::string& text, std::size_t width) {
-  const std::size_t used = Width(text);
-  return text + std::string(used < width ? width - used : 0, ' ');
-}
-
-// Fit for one cell of a table: printable, and no longer than a screen's row.
+// Fit for one cell of a table: printable, and no wider than a screen's row.
 std::string Cell(const std::string& text) {
-  constexpr std::size_t kLongest = 60;
-  std::string cell = Printable(text);
-  if (cell.size() <= kLongest) return cell;
-  std::size_t end = kLongest;
-  while (end > 0 && (static_cast<unsigned char>(cell[end]) & 0xC0u) == 0x80u) --end;
-  return cell.substr(0, end) + "...";
+  constexpr std::size_t kWidest = 60;
+  return CutTo(Printable(text), kWidest);
 }
 
 std::string TypeCell(int type) { return type != 0 ? TypeName(type) : std::string(); }
@@ -120,7 +103,7 @@ void PrintCallList(std::ostream& out, const std::string& title, const CallLogSim
 void PrintDetail(std::ostream& out, const CallLogDetailData& detail) {
   Table rows;
   const auto add = [&](const char* name, const std::string& value) {
-    if (!value.empty()) rows.push_back({name, Cell(value)});
+    if (!value.empty()) rows.push_back({name, Printable(value)});
   };
   add("type", TypeCell(detail.type));
   add("name", detail.display_name);

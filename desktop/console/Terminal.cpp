@@ -9,12 +9,15 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Commands.h"
+#include "desktop/console/Completion.h"
 #include "desktop/console/LineEditor.h"
+#include "desktop/console/Pager.h"
 #include "desktop/console/Signals.h"
 #include "desktop/platform/PrivateFile.h"
 #include "desktop/platform/Text.h"
@@ -25,22 +28,14 @@ namespace {
 constexpr char kPrompt[] = "phone> ";
 constexpr char kHistoryFile[] = "commands";  // in the phone's directory
 
-// Commands for the first word.
-Completions Complete(const std::string& before) {
-  Completions found;
-  for (const CommandGroup& group : AllCommands()) {
-    for (const Command& command : group.commands) {
-      if (command.name.rfind(before, 0) == 0) found.words.push_back(command.name);
-    }
-  }
-  std::sort(found.words.begin(), found.words.end());
-  return found;
-}
-
 // Whether the command that is running is to end: Ctrl-C ends it alone. Ctrl-Z is seen to, too.
 bool IsCommandInterrupted(Signals& signals) {
   if (signals.Take(SIGTSTP)) signals.Stop();
   return signals.Take(SIGINT) || signals.Ending() != 0;
+}
+
+void WriteToTerminal(std::string_view text) {
+  [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
 }
 
 // Who sets the modes of a terminal that is another's at the time is stopped.
@@ -87,12 +82,28 @@ class Terminal {
  private:
   void CarryOut(const std::string& line) {
     if (!line.empty()) editor_.Remember(line);
+    const Pager pager(&console_.out, TerminalSize(), [this] { return WantsMore(); });
     try {
       RunCommand(console_, line);
     } catch (const CommandError& error) {
       console_.out << "  " << Printable(error.what()) << "\n";
     }
     console_.out << std::flush;
+  }
+
+  // Whether the user wants to see more of what a command prints. The phone waits with it.
+  bool WantsMore() {
+    constexpr std::string_view kQuestion = "-- more; q ends --";
+    constexpr std::string_view kNothing = "\r                  \r";
+    WriteToTerminal(kQuestion);
+    editor_.TakeTerminal();
+    pollfd keys = {STDIN_FILENO, POLLIN, 0};
+    char key = 0;
+    const bool pressed = poll(&keys, 1, -1) > 0 && read(STDIN_FILENO, &key, 1) == 1;
+    editor_.LeaveTerminal();
+    WriteToTerminal(kNothing);
+    const bool interrupted = signals_.Take(SIGINT);
+    return pressed && key != 'q' && !interrupted;
   }
 
   // What is to be kept comes before the terminal gets its modes back: one that is held up holds up
@@ -160,7 +171,8 @@ class Terminal {
 
   Console& console_;
   Signals& signals_;
-  LineEditor editor_{kPrompt, [this] { return WaitForKey(); }, Complete};
+  LineEditor editor_{kPrompt, [this] { return WaitForKey(); },
+                     [this](const std::string& before) { return Complete(console_, before); }};
   bool continued_ = false;  // in the background, at times: then the terminal comes later
 };
 
