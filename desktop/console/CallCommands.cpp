@@ -67,10 +67,12 @@ void Import(Console& console, Arguments& arguments) {
 }  // namespace
 
 CommandGroup CallCommands() {
-  return {"Calls that come in",
+  return {"calls",
+          "Calls that come in",
           {
               {"call",
-               "TYPE NUMBER [name=N] [duration=SECONDS] [ago=SPAN | at=TIME] [account=USER@SERVER] "
+               "outgoing|missed|received|forwarded NUMBER [name=N] [duration=SECONDS] [ago=SPAN | "
+               "at=TIME] [account=USER@SERVER] "
                "[server=S] [to=NUMBER] [to-name=N] [to-server=S]",
                "a finished call: outgoing, missed, received or forwarded", Call},
               {"cdr", "FILE EXTENSION [server=S]",

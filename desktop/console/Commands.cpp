@@ -8,44 +8,54 @@
 namespace desk {
 namespace {
 
-const Command& FindCommand(const std::string& name, const std::string& hint = {}) {
-  for (const CommandGroup& group : AllCommands()) {
-    for (const Command& command : group.commands) {
-      if (command.name == name) return command;
-    }
+// The group's commands, in as many rows as a narrow terminal needs.
+void AddRows(const CommandGroup& group, Table* rows) {
+  constexpr std::size_t kWidest = 60;
+  rows->push_back({group.name, ""});
+  for (const Command& command : group.commands) {
+    if (rows->back()[1].size() + command.name.size() > kWidest) rows->push_back({"", ""});
+    rows->back()[1] += command.name + (&command == &group.commands.back() ? "" : ", ");
   }
-  throw CommandError("unknown command \"" + name + "\"" + hint);
 }
 
-void ShowCommands(Console& console) {
-  for (const CommandGroup& group : AllCommands()) {
-    console.Say(group.title);
-    Table rows;
-    for (const Command& command : group.commands) {
-      rows.push_back({" " + command.name, command.help});
-    }
-    PrintTable(console.out, rows);
-  }
-  console.Say(
-      "\"help COMMAND\" shows its arguments. Words with blanks go into quotes: "
-      "name=\"Anna Berg\".");
+void ShowGroups(Console& console) {
+  Table rows;
+  for (const CommandGroup& group : AllCommands()) AddRows(group, &rows);
+  PrintTable(console.out, rows);
+  console.Say("\"help GROUP\" explains a row's commands, \"help COMMAND\" shows its arguments.");
+  console.Say("Words with blanks go into quotes: name=\"Anna Berg\".");
+}
+
+void ShowGroup(Console& console, const CommandGroup& group) {
+  console.Say(group.title);
+  Table rows;
+  for (const Command& command : group.commands) rows.push_back({" " + command.name, command.help});
+  PrintTable(console.out, rows);
+}
+
+void ShowCommand(Console& console, const Command& command) {
+  console.Say(command.name + " " + command.arguments);
+  console.Say(command.help);
 }
 
 void Help(Console& console, Arguments& arguments) {
-  if (!arguments.HasWord()) return ShowCommands(console);
+  if (!arguments.HasWord()) return ShowGroups(console);
   const std::string name = arguments.Word("the command");
   arguments.Done();
-  const Command& command = FindCommand(name);
-  console.Say(command.name + " " + command.arguments);
-  console.Say(command.help);
+  for (const CommandGroup& group : AllCommands()) {
+    if (group.name == name) return ShowGroup(console, group);
+  }
+  ShowCommand(console, FindCommand(name, " (help lists them)"));
 }
 
 void Quit(Console& console) { console.wantsToQuit = true; }
 
 CommandGroup HelpCommands() {
-  return {"Help",
+  return {"prompt",
+          "Help and the end",
           {
-              {"help", "[COMMAND]", "the commands, or the arguments of one", Help},
+              {"help", "[GROUP|COMMAND]", "the commands, those of a group, or the arguments of one",
+               Help},
               {"quit", "", "saves and switches the phone off", Quit},
           }};
 }
@@ -65,6 +75,15 @@ const std::vector<CommandGroup>& AllCommands() {
       CallCommands(),   ListCommands(),    SearchCommands(), TalkCommands(),
       ServerCommands(), SettingCommands(), TimeCommands(),   HelpCommands()};
   return kGroups;
+}
+
+const Command& FindCommand(const std::string& name, const std::string& hint) {
+  for (const CommandGroup& group : AllCommands()) {
+    for (const Command& command : group.commands) {
+      if (command.name == name) return command;
+    }
+  }
+  throw CommandError("unknown command \"" + name + "\"" + hint);
 }
 
 CallLogSimpleListData ParsePage(Arguments& arguments, int rows) {

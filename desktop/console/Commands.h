@@ -19,11 +19,15 @@ struct Command {
 };
 
 struct CommandGroup {
+  std::string name;  // for help
   std::string title;
   std::vector<Command> commands;
 };
 
 const std::vector<CommandGroup>& AllCommands();
+
+// Throws CommandError, with a hint where to look, when there is none.
+const Command& FindCommand(const std::string& name, const std::string& hint = {});
 
 // Carries out one line and prints what came of it; throws CommandError for a wrong one.
 void RunCommand(Console& console, const std::string& line);

@@ -10,9 +10,9 @@
 #include <system_error>
 
 #include "CallLog.h"
+#include "desktop/console/CallLists.h"
 #include "desktop/console/Commands.h"
-#include "desktop/console/Screen.h"
-#include "desktop/platform/TextMatch.h"
+#include "desktop/platform/contacts/TextMatch.h"
 
 namespace desk {
 namespace {
@@ -34,6 +34,12 @@ Words CommandNames(const Console& /*console*/, const std::string& /*begun*/) {
     for (const Command& command : group.commands) names.push_back(command.name);
   }
   return names;
+}
+
+Words HelpTopics(const Console& console, const std::string& begun) {
+  Words topics = CommandNames(console, begun);
+  for (const CommandGroup& group : AllCommands()) topics.push_back(group.name);
+  return topics;
 }
 
 Words TypeNames(const Console& /*console*/, const std::string& /*begun*/) {
@@ -103,8 +109,14 @@ struct Kind {
 };
 
 constexpr Kind kKinds[] = {
-    {"COMMAND", CommandNames}, {"TYPE", TypeNames},   {"NAME", AccountNames}, {"KEY", ConfigKeys},
-    {"SOURCE", SourceRows},    {"INDEX", SourceRows}, {"FILE", Files},        {"ZONE", Zones},
+    {"GROUP|COMMAND", HelpTopics},
+    {"TYPE", TypeNames},
+    {"NAME", AccountNames},
+    {"KEY", ConfigKeys},
+    {"SOURCE", SourceRows},
+    {"INDEX", SourceRows},
+    {"FILE", Files},
+    {"ZONE", Zones},
 };
 
 // What may stand for one word of a command's arguments.
@@ -153,9 +165,7 @@ bool IsOption(const std::string& word) { return word.find('=') != std::string::n
 // `line` holds the words before the one that is begun.
 Words CandidatesFor(const Console& console, const Words& line, const std::string& begun) {
   if (line.empty()) return ThatBegin(CommandNames(console, begun), begun);
-  const Command* const command = FindCommand(line.front());
-  if (command == nullptr) return {};
-  const Syntax syntax = ReadSyntax(command->arguments);
+  const Syntax syntax = ReadSyntax(FindCommand(line.front()).arguments);
   const auto place =
       static_cast<std::size_t>(std::count_if(line.begin() + 1, line.end(), std::not_fn(IsOption)));
   Words candidates = ThatBegin(syntax.options, begun);
@@ -191,7 +201,7 @@ Completions Complete(const Console& console, const std::string& before) try {
   std::sort(found.words.begin(), found.words.end());
   found.words.erase(std::unique(found.words.begin(), found.words.end()), found.words.end());
   return found;
-} catch (const CommandError&) {  // of words that are none
+} catch (const CommandError&) {  // of words that are none, or a command that is none
   return {};
 }
 

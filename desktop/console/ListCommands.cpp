@@ -84,7 +84,8 @@ void DealtWith(Console& /*console*/, Arguments& arguments) {
 }  // namespace
 
 CommandGroup ListCommands() {
-  return {"The idle screen and the lists (rows count from 0)",
+  return {"lists",
+          "The idle screen and the lists (rows count from 0)",
           {
               {"idle", "", "the idle screen, LED and backlight", Idle},
               {"list", "[TYPE] [FIRST [COUNT]]",

@@ -102,6 +102,7 @@ void ForgetNames(Console& console) {
 
 CommandGroup SearchCommands() {
   return {
+      "names",
       "Search and names",
       {
           {"search", "KEY [FIRST]",

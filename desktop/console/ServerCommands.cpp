@@ -149,7 +149,8 @@ void MisbehaveAs(Console& console, Arguments& arguments) {
 }  // namespace
 
 CommandGroup ServerCommands() {
-  return {"Call logs kept on servers",
+  return {"servers",
+          "Call logs kept on servers",
           {
               {"sources", "", "the sources, and whether they are shown", Sources},
               {"server", "SOURCE [FIRST [COUNT]] [query=NAME] [refresh=on]",

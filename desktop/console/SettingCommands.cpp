@@ -148,6 +148,7 @@ void TimeZone(Console& console, Arguments& arguments) {
 
 CommandGroup SettingCommands() {
   return {
+      "phone",
       "The phone",
       {
           {"config", "[KEY [VALUE]]", "configuration values, such as HistorySavedSwitch", Config},
@@ -166,7 +167,8 @@ CommandGroup SettingCommands() {
 }
 
 CommandGroup TimeCommands() {
-  return {"Time",
+  return {"time",
+          "Time",
           {
               {"wait", "SPAN", "lets time pass, such as 5s or 2h; at once in a script", Wait},
               {"clock", "[TIME]", "the wall clock; a script can set it", WallClock},

@@ -82,7 +82,8 @@ void HangUp(Console& console) {
 }  // namespace
 
 CommandGroup TalkCommands() {
-  return {"Calls that you make",
+  return {"talk",
+          "Calls that you make",
           {
               {"dial", "[NUMBER [NAME]]",
                "places a call; without a number, what the dial screen holds", Dial},
