@@ -49,8 +49,8 @@ bool HoldsHistory(const fs::path& root) {
 
 }  // namespace
 
-DemoRoot::DemoRoot(const fs::path& named, bool playsScenario)
-    : path_(named), goes_(named.empty() && playsScenario) {
+DemoRoot::DemoRoot(const fs::path& named, Use use)
+    : path_(named), goes_(named.empty() && use != Use::kKept) {
   const fs::path own = fs::absolute(RootDirectory::Default());
   if (goes_) {
     path_ = MakeTemporary();
@@ -63,7 +63,7 @@ DemoRoot::DemoRoot(const fs::path& named, bool playsScenario)
   if (IsSame(path_ / kData, own / kData)) {
     refuse("it is your own phone's directory, which the demonstration never touches");
   }
-  if (playsScenario && HoldsHistory(path_)) {
+  if (use == Use::kScenario && HoldsHistory(path_)) {
     refuse("it holds a history, which the demonstration's scenario would remove");
   }
 }

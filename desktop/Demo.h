@@ -13,10 +13,13 @@ class LogServer;
 // changes and removes calls as it likes.
 class DemoRoot {
  public:
-  // The directory that the user named. If none (empty): one beside the user's own phone's, or, to
-  // play the scenario, a new one that goes with this object. Throws RootError for the user's own,
-  // whatever the path to it, and when the scenario would meet a history.
-  DemoRoot(const std::filesystem::path& named, bool playsScenario);
+  enum class Use { kKept, kCommands, kScenario };
+
+  // The directory that the user named. If none (empty): one beside the user's own phone's, which is
+  // kept; for commands from elsewhere and for the scenario a new one that goes with this object.
+  // Throws RootError for the user's own, whatever the path to it, and when the scenario would meet
+  // a history.
+  DemoRoot(const std::filesystem::path& named, Use use);
   ~DemoRoot();
   DemoRoot(const DemoRoot&) = delete;
   DemoRoot& operator=(const DemoRoot&) = delete;

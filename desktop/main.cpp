@@ -1,4 +1,7 @@
 // The program deskphone: a desktop phone at a terminal, or driven by a script.
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -24,8 +27,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kCannotStart = 1;
+constexpr int kCutShort = 1;
 constexpr int kWrongCommands = 2;
-constexpr int kEndedBySignal = 128;  // and its number, as shells have it
 
 struct Options {
   fs::path root;
@@ -47,19 +50,35 @@ desk::Profile DefaultProfile() {
   return profile;
 }
 
+// Whether a pipe or a file on standard input holds anything; waits for the first byte of a pipe.
+bool HasCommands() {
+  struct stat input = {};
+  if (fstat(STDIN_FILENO, &input) != 0) return false;
+  if (S_ISREG(input.st_mode)) return lseek(STDIN_FILENO, 0, SEEK_CUR) < input.st_size;
+  pollfd bytes = {STDIN_FILENO, POLLIN, 0};
+  return S_ISFIFO(input.st_mode) && poll(&bytes, 1, -1) > 0 && (bytes.revents & POLLIN) != 0;
+}
+
+desk::DemoRoot::Use UseOfDemo(const Options& options) {
+  const bool atTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+  if (atTerminal || !options.script.empty()) return desk::DemoRoot::Use::kKept;
+  return HasCommands() ? desk::DemoRoot::Use::kCommands : desk::DemoRoot::Use::kScenario;
+}
+
 // A phone that is set up with what stands beside the program; what is named goes before it. Its
 // root exists as long as what is returned.
 std::unique_ptr<desk::DemoRoot> SetUpDemo(Options* options) {
+  using Use = desk::DemoRoot::Use;
   const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path demo = programs.parent_path() / "share/calllog";
-  const bool atTerminal = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
-  const bool plays = !atTerminal && options->script.empty();
-  auto root = std::make_unique<desk::DemoRoot>(options->root, plays);
+  const Use use = UseOfDemo(*options);
+  auto root = std::make_unique<desk::DemoRoot>(options->root, use);
   options->root = root->path();
   if (options->profile.empty()) options->profile = demo / "profile.toml";
   if (options->documents.empty()) options->documents = demo / "server";
-  if (plays) options->script = demo / "scenario.phone";
-  if (atTerminal) options->firstDay = demo / "first-day.phone";
+  if (use == Use::kScenario) options->script = demo / "scenario.phone";
+  const bool isScript = use == Use::kKept && !options->script.empty();
+  if (use != Use::kScenario && !isScript) options->firstDay = demo / "first-day.phone";
   return root;
 }
 
@@ -161,23 +180,33 @@ int RunPhoneUntilSignal(Options* options) {
     if (options->script.empty() && isatty(STDIN_FILENO) == 0) options->script = "-";
     return RunPhone(*options, signals);
   });
-  return signals.Ending() != 0 ? kEndedBySignal + signals.Ending() : status;
+  // At the prompt a signal is as good an end as any.
+  const bool cutShort = signals.Ending() != 0 && (options->importing || !options->script.empty());
+  return cutShort ? kCutShort : status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Nothing else is to be taken for a standard input that is closed.
+  if (fcntl(STDIN_FILENO, F_GETFD) == -1) open("/dev/null", O_WRONLY);
   Options options;
   CLI::App app(
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
-      "otherwise from standard input, on a manual clock. Exit status: 0; 1 when it cannot start;\n"
-      "2 when a script held wrong commands; 128 and the signal's number when SIGHUP, SIGINT or\n"
-      "SIGTERM ended it, with everything saved.");
+      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end "
+      "it\n"
+      "with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script or "
+      "an\n"
+      "import short; 2 when a script held wrong commands.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
   AddImport(&app, &options);
   desk::ServerProgram server(&app);
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kCannotStart;
+  }
   if (server.IsWanted()) return Run([&] { return server.Run(); });
   return RunPhoneUntilSignal(&options);
 }

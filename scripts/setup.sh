@@ -5,7 +5,7 @@ top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages="g++ cmake ninja-build pkg-config tzdata ca-certificates libtinyxml-dev librapidxml-dev
   libtomlplusplus-dev libutf8proc-dev libedit-dev libbsd-dev libcli11-dev libcsv-dev libcurl4-openssl-dev
   libcpp-httplib-dev libssl-dev libgtest-dev"
-test_packages="libxml2-utils binutils python3 strace"
+test_packages="libxml2-utils binutils python3 python3-pyte strace"
 check_packages="clang-14 clang-tidy-14 clang-format-14"
 
 # quietly TITLE COMMAND...: shows the last line that the command printed at a terminal, the title

@@ -44,7 +44,7 @@ kill -TERM $!
 status=0
 wait $! || status=$?
 exec 3>&-
-[ "$status" -eq 143 ] || fail "a signal: exit status $status"
+[ "$status" -eq 1 ] || fail "a signal: exit status $status"
 [ -z "$(ls "$TMPDIR")" ]
 
 ln -s "$own" "$work/link"
@@ -63,3 +63,17 @@ echo 'call missed 612' | phone "$@" --root "$work/other"
 refused "a root with a history" "$@" --demo --root "$work/other"
 echo 'list' | phone "$@" --demo --root "$work/other" --script -
 grep -q 'all: 1 call' "$work/out"
+
+# A pipe or a file on standard input is run in a phone of the demonstration's that goes with it; one
+# that holds nothing plays the scenario, as a closed one does.
+rm "$own-demo"
+runs_list() {
+  [ "$(grep -c '^phone> list$' "$work/out")" -eq 1 ] && grep -q '^  all: [1-9]' "$work/out" || fail "commands"
+}
+plays() { grep -q '^phone> remove all all$' "$work/out" || fail "the scenario does not play"; }
+echo list >"$work/commands"
+phone "$@" --demo <"$work/commands" && runs_list
+cat "$work/commands" | phone "$@" --demo && runs_list
+true | phone "$@" --demo && plays
+phone "$@" --demo <&- && plays
+[ -z "$(ls "$TMPDIR")" ] && [ ! -e "$own-demo" ]

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <langinfo.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -107,13 +108,21 @@ void LineEditor::HideLine() {
 }
 
 void LineEditor::ShowLine() {
-  std::cout << std::flush;
+  std::cout << (CanMoveCursor() ? "\r\x1b[J" : "\r") << std::flush;
   el_set(editor_, EL_REFRESH);
 }
 
 void LineEditor::LeaveTerminal() { el_set(editor_, EL_PREP_TERM, 0); }
 
 void LineEditor::TakeTerminal() { el_set(editor_, EL_PREP_TERM, 1); }
+
+void LineEditor::RetakeTerminal() {
+  termios modes = {};
+  const bool isAnothers = tcgetattr(STDIN_FILENO, &modes) == 0 && (modes.c_lflag & ICANON) != 0;
+  if (!isAnothers) return;
+  LeaveTerminal();
+  TakeTerminal();
+}
 
 void LineEditor::TakeSize() { el_resize(editor_); }
 

@@ -41,6 +41,7 @@ class LineEditor {
   // The terminal's modes, while a line is read: as they were, and the editor's again.
   void LeaveTerminal();
   void TakeTerminal();
+  void RetakeTerminal();  // from somebody who may have left others
   void TakeSize();  // the terminal has another now
 
   // The lines before this one, the oldest first.

@@ -23,6 +23,9 @@ std::string Cell(const std::string& text) {
   return CutTo(Printable(text), kWidest);
 }
 
+// Callers who withhold their number have neither number nor name.
+std::string CallerCell(const std::string& text) { return text.empty() ? "withheld" : Cell(text); }
+
 std::string TypeCell(int type) { return type != 0 ? TypeName(type) : std::string(); }
 
 std::vector<std::string> Statuses(const Display& display) {
@@ -36,8 +39,8 @@ template <class Callers, class More>
 void PrintNewCalls(std::ostream& out, const char* kind, const Callers& callers, More more) {
   Table rows;
   for (const auto& row : callers) {
-    rows.push_back(
-        {std::to_string(row.count) + "x", Cell(row.display_name), Cell(row.number), more(row)});
+    rows.push_back({std::to_string(row.count) + "x", CallerCell(row.display_name), Cell(row.number),
+                    more(row)});
   }
   out << "  new " << kind << " calls: " << Counted(rows.size(), "caller") << "\n";
   PrintTable(out, rows);
@@ -95,7 +98,7 @@ void PrintCallList(std::ostream& out, const std::string& title, const CallLogSim
   int row = page.request_index;
   for (const CallLogSimpleData& item : page.items) {
     rows.push_back({std::to_string(row++), TypeCell(item.type), Cell(item.time_text),
-                    Cell(item.display_name)});
+                    CallerCell(item.display_name)});
   }
   PrintTable(out, rows);
 }
@@ -107,7 +110,7 @@ void PrintDetail(std::ostream& out, const CallLogDetailData& detail) {
   };
   add("type", TypeCell(detail.type));
   add("name", detail.display_name);
-  add("number", detail.number);
+  add("number", detail.number.empty() ? "withheld" : detail.number);
   add("country code", detail.country_code);
   add("server", detail.server);
   add("time", detail.time_text);

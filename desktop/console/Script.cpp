@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <streambuf>
 
 #include "desktop/console/CommandLine.h"
@@ -33,10 +35,13 @@ class ScriptInput : public std::streambuf {
   ScriptInput(const ScriptInput&) = delete;
   ScriptInput& operator=(const ScriptInput&) = delete;
 
+  int error() const { return error_; }  // of the last read; 0: none
+
  protected:
   int_type underflow() override {
     if (!WaitForBytes()) return traits_type::eof();
     const ssize_t size = read(descriptor_, bytes_.data(), bytes_.size());
+    error_ = size < 0 ? errno : 0;
     if (size <= 0) return traits_type::eof();
     setg(bytes_.data(), bytes_.data(), bytes_.data() + size);
     return traits_type::to_int_type(bytes_.front());
@@ -56,6 +61,7 @@ class ScriptInput : public std::streambuf {
 
   Phone& phone_;
   const int descriptor_;
+  int error_ = 0;
   std::array<char, 4096> bytes_;
 };
 
@@ -93,7 +99,11 @@ int RunScriptFile(Console console, const std::string& name, std::ostream& errors
   ScriptInput input(console, name);
   std::istream lines(&input);
   if (isFile) console.folder /= std::filesystem::path(name).parent_path();
-  return RunScript(console, lines, isFile ? name : "standard input", errors);
+  const int wrong = RunScript(console, lines, isFile ? name : "standard input", errors);
+  if (input.error() != 0)
+    throw CommandError("cannot read " + (isFile ? name : "standard input") + ": " +
+                       std::strerror(input.error()));
+  return wrong;
 }
 
 }  // namespace desk

@@ -67,7 +67,11 @@ void Network(Console& console, Arguments& arguments) {
   console.Say(std::string("network ") + OnOff(up));
 }
 
-void Save(Console& console) { console.Say(console.phone.Save() ? "saved" : "nothing to save"); }
+void Save(Console& console) {
+  const auto outcome = console.phone.Save();
+  const bool whole = outcome != NS_GUARD::HistoryGuard::Outcome::kIncomplete;
+  console.Say(!outcome ? "nothing to save" : whole ? "saved" : "not saved");
+}
 
 void ShowFile(Console& console) {
   std::ifstream file(console.phone.HistoryFile());

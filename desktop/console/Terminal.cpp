@@ -98,12 +98,12 @@ class Terminal {
     WriteToTerminal(kQuestion);
     editor_.TakeTerminal();
     pollfd keys = {STDIN_FILENO, POLLIN, 0};
-    char key = 0;
-    const bool pressed = poll(&keys, 1, -1) > 0 && read(STDIN_FILENO, &key, 1) == 1;
+    poll(&keys, 1, -1);
+    char key = 'q';
+    const bool pressed = !signals_.Take(SIGINT) && read(STDIN_FILENO, &key, 1) == 1;
     editor_.LeaveTerminal();
     WriteToTerminal(kNothing);
-    const bool interrupted = signals_.Take(SIGINT);
-    return pressed && key != 'q' && !interrupted;
+    return pressed && key != 'q';
   }
 
   // What is to be kept comes before the terminal gets its modes back: one that is held up holds up
@@ -152,8 +152,7 @@ class Terminal {
     continued_ = signals_.Take(SIGCONT) || continued_;
     if (!continued_ || !HasTerminal()) return;
     continued_ = false;
-    editor_.LeaveTerminal();
-    editor_.TakeTerminal();
+    editor_.RetakeTerminal();
     editor_.ShowLine();
   }
 

@@ -5,12 +5,12 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <string_view>
 
 #include "desktop/console/CommandLine.h"
+#include "desktop/platform/TimeText.h"
 
 namespace desk {
 namespace {
@@ -64,10 +64,8 @@ std::time_t ParseLocalTime(const std::string& text) {
 }
 
 void SetTimeZone(const std::string& zone) {
-  const bool rule = zone.find_first_of(kDigits) != std::string::npos;
-  if (zone.empty() ||
-      (!rule && !std::filesystem::exists(std::filesystem::path("/usr/share/zoneinfo") / zone))) {
-    throw CommandError("unknown time zone \"" + zone + "\"");
+  if (!IsTimeZone(zone)) {
+    throw CommandError("\"" + zone + "\" is no time zone; one is \"Europe/Berlin\", or \"UTC0\"");
   }
   setenv("TZ", zone.c_str(), 1);
   tzset();

@@ -50,19 +50,18 @@ void Phone::PowerCycle() {
 
 void Phone::OnHandled(const Message& message, int result) {
   if (message.message != ThreadTimers::kTimerMessage || result != 1) return;
-  saved_ = true;
-  NoteGuard(guard_.AfterSave());
+  saved_ = NoteGuard(guard_.AfterSave()) != HistoryGuard::Outcome::kIncomplete;
 }
 
-bool Phone::Save() {
+std::optional<HistoryGuard::Outcome> Phone::Save() {
   auto* const controller = CCallLogController::GetInstance();
-  if (controller == nullptr || controller->SaveToFile() != 1) return false;
-  NoteGuard(guard_.AfterSave());
-  return true;
+  if (controller == nullptr || controller->SaveToFile() != 1) return std::nullopt;
+  return NoteGuard(guard_.AfterSave());
 }
 
-void Phone::NoteGuard(HistoryGuard::Outcome outcome) {
+HistoryGuard::Outcome Phone::NoteGuard(HistoryGuard::Outcome outcome) {
   if (outcome != HistoryGuard::Outcome::kGood) guardNotes_.push_back(outcome);
+  return outcome;
 }
 
 // The module only says that it refused a call; the reasons are in what it asked the phone.

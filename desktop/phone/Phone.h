@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <variant>
@@ -39,8 +40,9 @@ class Phone {
   // What a cut of the power does: nothing is saved. Then the phone starts again.
   void PowerCycle();
 
-  // Saves what has changed, as before a planned restart. False when there was nothing to save.
-  bool Save();
+  // Saves what has changed, as before a planned restart, and says what the guard found; nothing
+  // when there was nothing to save.
+  std::optional<NS_GUARD::HistoryGuard::Outcome> Save();
 
   // Brings a finished call into the history. Empty, or in a few words why it is not kept.
   std::string AddCall(const CallLogAddItemData& call);
@@ -67,7 +69,7 @@ class Phone {
 
  private:
   void PowerOn();
-  void NoteGuard(NS_GUARD::HistoryGuard::Outcome outcome);
+  NS_GUARD::HistoryGuard::Outcome NoteGuard(NS_GUARD::HistoryGuard::Outcome outcome);
   void OnHandled(const Message& message, int result);
 
   RootDirectory root_;

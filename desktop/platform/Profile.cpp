@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "desktop/platform/Text.h"
+#include "desktop/platform/TimeText.h"
 #include "desktop/platform/contacts/VCard.h"
 
 namespace desk {
@@ -67,6 +68,13 @@ void ReadKeys(const toml::table& table, const Keys& known) {
 
 Reader Into(std::string& text) {
   return [&](const toml::key& key, const toml::node& value) { text = ReadText(value, key); };
+}
+
+Reader TimeZoneInto(std::string& zone) {
+  return [&](const toml::key& key, const toml::node& value) {
+    zone = ReadText(value, key);
+    if (!zone.empty() && !IsTimeZone(zone)) Fail(value.source(), Quoted(zone) + " is no time zone");
+  };
 }
 
 Reader Into(int& number) {
@@ -201,7 +209,7 @@ Reader LimitsInto(TransferLimits& limits, const std::filesystem::path& folder) {
 Profile ReadProfile(const toml::table& table, const std::filesystem::path& folder) {
   Profile profile;
   std::vector<Contact> addressBook;
-  ReadKeys(table, {{"timezone", Into(profile.timezone)},
+  ReadKeys(table, {{"timezone", TimeZoneInto(profile.timezone)},
                    {"config", Into(profile.config)},
                    {"network", Table({{"up", Into(profile.network_up)}})},
                    {"menu", Table({{"present", Into(profile.has_menu)}})},

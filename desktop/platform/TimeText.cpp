@@ -3,7 +3,11 @@
 
 #include <time.h>
 
+#include <array>
+#include <fstream>
 #include <optional>
+#include <regex>
+#include <string_view>
 
 #include "desktop/platform/Text.h"
 
@@ -31,6 +35,19 @@ std::string Minute(const std::tm& local) {
 }
 
 }  // namespace
+
+bool IsTimeZone(const std::string& name) {
+  // POSIX: its names, how far they are from UTC, and when which is in force.
+  static const std::regex kRule(
+      "([A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)[+-]?([01]?\\d|2[0-4])(:[0-5]\\d){0,2}"
+      "(([A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)([+-]?([01]?\\d|2[0-4])(:[0-5]\\d){0,2})?"
+      "(,(J?\\d{1,3}|M(1[0-2]|[1-9])\\.[1-5]\\.[0-6])(/[+-]?\\d{1,3}(:[0-5]\\d){0,2})?){0,2})?");
+  if (std::regex_match(name, kRule)) return true;
+  if (name.find("..") != std::string::npos) return false;
+  std::array<char, 4> begin{};
+  std::ifstream file("/usr/share/zoneinfo/" + name, std::ios::binary);
+  return file.read(begin.data(), begin.size()) && std::string_view(begin.data(), 4) == "TZif";
+}
 
 std::string ListTimeText(std::time_t time, std::time_t now, std::string_view separator) {
   const auto local = LocalTime(time);

@@ -16,6 +16,10 @@ namespace desk {
 // decimal.
 std::string ListTimeText(std::time_t time, std::time_t now, std::string_view separator);
 
+// Whether `name` is a time zone: one of the system's, such as "Europe/Berlin", or a rule such as
+// "CET-1CEST,M3.5.0,M10.5.0/3".
+bool IsTimeZone(const std::string& name);
+
 // In full: "2026-03-07 10:05:09".
 std::string FullTimeText(std::time_t time, std::string_view separator);
 
