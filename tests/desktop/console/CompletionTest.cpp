@@ -43,12 +43,12 @@ TEST_F(CompletionTest, EachWordIsCompletedToWhatFitsThere) {
       {"remove ", 7, {"all", "forwarded", "missed", "outgoing", "received"}},
       {"remove missed a", 14, {"all"}},
       {"account 1", 8, {"100@sip.example.org"}},
-      {"source ", 7, {"name=", "password=", "port=", "server=", "user="}},
+      {"source 0 ", 9, {"name=", "password=", "port=", "server=", "user="}},
       {"cdr fil", 4, {"files/"}},
       {"cdr files/i", 4, {"\"files/in here/"}},
       {"cdr \"files/i", 4, {"\"files/in here/"}},
       {"cdr nowhere/", 4, {}},
-      {"nothing ", 8, {}},
+      {"nothing ", 0, {}},
       {"call 'missed 612", 0, {}},
   };
   const Console console{*phone_, out_, root.path()};
