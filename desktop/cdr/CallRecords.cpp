@@ -5,6 +5,11 @@
 #include "desktop/cdr/CdrFile.h"
 
 namespace desk {
+namespace {
+
+constexpr std::size_t kBadNamed = 20;
+
+}  // namespace
 
 CdrImport ReadCallRecords(std::istream& in, const CdrOptions& options) {
   CdrImport import;
@@ -14,12 +19,14 @@ CdrImport ReadCallRecords(std::istream& in, const CdrOptions& options) {
   while (file.Next(&row)) {
     ++import.rows;
     if (!row.fault.empty()) {
-      import.bad.push_back({row.line, row.fault});
+      if (++import.badRows <= kBadNamed) import.bad.push_back({row.line, row.fault});
     } else if (!calls.Add(row.leg)) {
       ++import.other;
     }
   }
   import.calls = calls.Take();
+  import.older = calls.older();
+  import.extensions = calls.OtherExtensions();
   return import;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <istream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,14 +26,23 @@ struct CdrOptions {
   std::function<void(std::uint64_t bytesDone)> progress;  // after every line; may be empty
 };
 
-struct CdrImport {
-  std::vector<CallLogAddItemData> calls;  // oldest first; calls of one second in the file's order
-  std::size_t rows = 0;                   // all records, the bad ones too; no header, no blank line
-  std::size_t other = 0;                  // records in which the extension has no channel
-  std::vector<BadRow> bad;
+struct CdrCall : CallLogAddItemData {
+  std::set<std::uint64_t> records;  // of the extension: the same numbers whatever else is read
 };
 
-// Reads Asterisk's Master.csv and its custom layout, mixed as they come; times are local.
+struct CdrImport {
+  std::vector<CdrCall> calls;  // oldest first; calls of one second in the file's order
+  std::size_t older = 0;       // calls beyond the newest hundred of their type, which are left out
+  std::size_t rows = 0;        // all records, the bad ones too; no header, no blank line
+  std::size_t other = 0;       // records in which the extension has no channel
+  std::size_t badRows = 0;
+  std::vector<BadRow> bad;              // the first 20
+  std::vector<std::string> extensions;  // the ten busiest, when the extension has no channel at all
+};
+
+// Reads Asterisk's Master.csv and its custom layout, mixed as they come, separated by ",", ";" or
+// tab; times are local, and a row that is no UTF-8 is ISO-8859-1. Memory is bounded: from the first
+// record of a call to its last are at most 100,000 rows; what comes later is another call.
 // Nothing is thrown for bad input; a stream that broke off has bad() set afterwards.
 //
 // Who called whom is told by the channels alone: the extension placed a call when it is the

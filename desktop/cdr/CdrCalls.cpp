@@ -1,18 +1,25 @@
-// Groups the legs as they come, and folds the extension's own ones into calls at the end: only then
-// is it known whether another leg was answered.
+// Groups the legs as they come, and folds the extension's own ones into calls when no more can
+// come: only then is it known whether another leg was answered.
 #include "desktop/cdr/CdrCalls.h"
 
 #include <strings.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <string_view>
 #include <utility>
 
+#include "desktop/cdr/TextHash.h"
+
 namespace desk {
 namespace {
+
+constexpr std::size_t kRowsApart = 100'000;
+constexpr std::size_t kCallsOfType = 100;    // that a phone keeps
+constexpr std::size_t kExtensions = 10'000;  // that are counted
 
 enum { kOutgoing = 1, kMissed = 2, kReceived = 3 };
 
@@ -55,40 +62,84 @@ CdrCalls::CdrCalls(std::string extension, std::string server)
     : extension_(std::move(extension)), server_(std::move(server)) {}
 
 bool CdrCalls::Add(const CdrLeg& leg) {
-  const std::size_t group = GroupOf(leg);
-  if (AnsweredByChannel(leg)) groups_[group].answered = true;
-  const bool placed = !extension_.empty() && Endpoint(leg.channel) == extension_;
-  const bool called = !extension_.empty() && Endpoint(leg.dstchannel) == extension_;
+  ++rows_;
+  while (!groups_.empty() && rows_ - groups_.front().firstRow > kRowsApart) Finish();
+  const auto group = GroupOf(leg);
+  if (AnsweredByChannel(leg)) group->answered = true;
+  const std::string_view caller = Endpoint(leg.channel);
+  const std::string_view callee = Endpoint(leg.dstchannel);
+  const bool placed = !extension_.empty() && caller == extension_;
+  const bool called = !extension_.empty() && callee == extension_;
   if (placed) {
-    legs_.push_back({group, true, leg.answered, leg.start, leg.duration, leg.billsec, leg.dst, "",
-                     leg.channel});
+    group->legs.push_back({rows_, leg.record, true, leg.answered, leg.start, leg.duration,
+                           leg.billsec, leg.dst, "", leg.channel});
   } else if (called) {
-    legs_.push_back({group, false, AnsweredByChannel(leg), leg.start, leg.duration, leg.billsec,
-                     leg.src, leg.callerName, ""});
+    group->legs.push_back({rows_, leg.record, false, AnsweredByChannel(leg), leg.start,
+                           leg.duration, leg.billsec, leg.src, leg.callerName, ""});
   }
+  if (placed || called) others_.clear();
+  found_ = found_ || placed || called;
+  for (const std::string_view name : {caller, callee}) CountOther(name);
   return placed || called;
 }
 
-std::vector<CallLogAddItemData> CdrCalls::Take() {
-  std::stable_sort(legs_.begin(), legs_.end(),
-                   [](const OwnLeg& a, const OwnLeg& b) { return a.start < b.start; });
-  std::vector<CallLogAddItemData> calls;
-  std::vector<TalkTime> talked;
-  std::map<std::pair<std::size_t, std::string>, std::size_t> indexOf;
-  for (const OwnLeg& own : legs_) {
-    const std::size_t group = Root(own.group);
-    if (!own.placed && !own.answered && groups_[group].answered) continue;
-    const auto [found, isNew] = indexOf.try_emplace({group, own.channel}, calls.size());
-    if (isNew) calls.push_back(MakeCall(own));
-    talked.resize(calls.size());
-    if (!own.answered) continue;
-    calls[found->second].duration = talked[found->second].Add(own.start, own.duration, own.billsec);
+void CdrCalls::CountOther(std::string_view name) {
+  if (found_ || name.empty()) return;
+  const auto counted = others_.find(name);
+  if (counted != others_.end()) ++counted->second;
+  if (counted == others_.end() && others_.size() < kExtensions) others_.emplace(name, 1);
+}
+
+std::vector<std::string> CdrCalls::OtherExtensions() const {
+  constexpr std::size_t kNamed = 10;
+  std::multimap<std::size_t, std::string, std::greater<>> busiest;
+  for (const auto& [name, count] : others_) busiest.emplace(count, name);
+  std::vector<std::string> names;
+  for (const auto& [count, name] : busiest) {
+    if (names.size() < kNamed) names.push_back(name);
   }
+  return names;
+}
+
+std::vector<CdrCall> CdrCalls::Take() {
+  while (!groups_.empty()) Finish();
+  Calls all;
+  for (auto& [type, kept] : kept_) all.merge(kept);
+  std::vector<CdrCall> calls;
+  for (auto& [place, call] : all) calls.push_back(std::move(call));
   return calls;
 }
 
-CallLogAddItemData CdrCalls::MakeCall(const OwnLeg& own) const {
-  CallLogAddItemData call;
+void CdrCalls::Finish() {
+  Group group = std::move(groups_.front());
+  groups_.pop_front();
+  for (const std::uint64_t id : group.ids) groupOfId_.erase(id);
+  std::sort(group.legs.begin(), group.legs.end(), [](const OwnLeg& a, const OwnLeg& b) {
+    return std::pair(a.start, a.row) < std::pair(b.start, b.row);
+  });
+  std::map<std::string, std::pair<Place, TalkTime>> ofChannel;
+  Calls calls;
+  for (const OwnLeg& own : group.legs) {
+    if (!own.placed && !own.answered && group.answered) continue;
+    auto& [place, talked] =
+        ofChannel.try_emplace(own.channel, Place(own.start, own.row), TalkTime()).first->second;
+    CdrCall& call = calls.try_emplace(place, MakeCall(own)).first->second;
+    call.records.insert(TextHash(extension_, TextHash(own.channel, own.record)));
+    if (own.answered) call.duration = talked.Add(own.start, own.duration, own.billsec);
+  }
+  for (auto& [place, call] : calls) Keep(place, std::move(call));
+}
+
+void CdrCalls::Keep(const Place& place, CdrCall call) {
+  Calls& kept = kept_[call.type];
+  kept.emplace(place, std::move(call));
+  if (kept.size() <= kCallsOfType) return;
+  kept.erase(kept.begin());
+  ++older_;
+}
+
+CdrCall CdrCalls::MakeCall(const OwnLeg& own) const {
+  CdrCall call;
   call.type = own.placed ? kOutgoing : own.answered ? kReceived : kMissed;
   call.born_tick = own.start;
   call.local_sip_name = extension_;
@@ -99,31 +150,31 @@ CallLogAddItemData CdrCalls::MakeCall(const OwnLeg& own) const {
   return call;
 }
 
-std::size_t CdrCalls::NewGroup() {
-  groups_.push_back({groups_.size(), false});
-  return groups_.size() - 1;
-}
-
-std::size_t CdrCalls::GroupOfId(const std::string& id) {
-  const auto [found, isNew] = groupOfId_.try_emplace(id, groups_.size());
-  return isNew ? NewGroup() : Root(found->second);
-}
-
-std::size_t CdrCalls::GroupOf(const CdrLeg& leg) {
-  const std::string& id = leg.uniqueid.empty() ? leg.linkedid : leg.uniqueid;
-  if (id.empty()) return NewGroup();
-  const std::size_t group = GroupOfId(id);
-  if (leg.linkedid.empty()) return group;
-  const std::size_t linked = GroupOfId(leg.linkedid);
-  groups_[group].parent = linked;
-  if (groups_[group].answered) groups_[linked].answered = true;
-  return linked;
-}
-
-std::size_t CdrCalls::Root(std::size_t group) {
-  while (groups_[group].parent != group) {
-    group = groups_[group].parent = groups_[groups_[group].parent].parent;
+CdrCalls::Groups::iterator CdrCalls::GroupOf(const CdrLeg& leg) {
+  auto group = groups_.insert(groups_.end(), {rows_, false, {}, {}});
+  for (const std::uint64_t id : {leg.uniqueid, leg.linkedid}) {
+    if (id == 0) continue;
+    const auto [found, isNew] = groupOfId_.try_emplace(id, group);
+    if (isNew) group->ids.push_back(id);
+    group = Join(group, found->second);
   }
+  return group;
+}
+
+// Moves the smaller to the larger, which takes the older's place.
+CdrCalls::Groups::iterator CdrCalls::Join(Groups::iterator group, Groups::iterator other) {
+  if (group == other) return group;
+  const auto size = [](const Group& any) { return any.ids.size() + any.legs.size(); };
+  if (size(*group) < size(*other)) std::swap(group, other);
+  for (const std::uint64_t id : other->ids) groupOfId_[id] = group;
+  group->ids.insert(group->ids.end(), other->ids.begin(), other->ids.end());
+  std::move(other->legs.begin(), other->legs.end(), std::back_inserter(group->legs));
+  group->answered = group->answered || other->answered;
+  if (other->firstRow < group->firstRow) {
+    group->firstRow = other->firstRow;
+    groups_.splice(other, groups_, group);
+  }
+  groups_.erase(other);
   return group;
 }
 

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <utility>
 
+#include "desktop/cdr/TextHash.h"
+#include "desktop/platform/Text.h"
 #include "desktop/platform/WholeNumber.h"
 
 namespace desk {
@@ -27,8 +29,9 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // libcsv's parser on one record, and what it has found.
 struct RecordParser : csv_parser {
-  RecordParser() {
+  explicit RecordParser(char separator) {
     csv_init(this, 0);
+    csv_set_delim(this, static_cast<unsigned char>(separator));
     csv_set_blk_size(this, 4096);
     // ReadLine() takes the carriage return of a line's end; any other is part of its field.
     csv_set_term_func(this, [](unsigned char c) { return c == CSV_LF ? 1 : 0; });
@@ -57,6 +60,23 @@ struct RecordParser : csv_parser {
 
 bool IsBlank(const std::string& line) { return line.find_first_not_of(" \t\n") == line.npos; }
 
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (TakeCharacter(&text).code < 0) return false;
+  }
+  return true;
+}
+
+std::string FromLatin1(const std::string& text) {
+  std::string utf8;
+  for (const char byte : text) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code >= 0x80) utf8 += static_cast<char>(0xC0 | code >> 6);
+    utf8 += static_cast<char>(code >= 0x80 ? 0x80 | (code & 0x3F) : code);
+  }
+  return utf8;
+}
+
 bool SameWord(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
@@ -65,6 +85,7 @@ bool SameWord(std::string_view a, std::string_view b) {
 constexpr std::size_t kSrc = 1, kDst = 2, kClid = 4, kChannel = 5, kDstchannel = 6, kLastapp = 7,
                       kStart = 9, kEnd = 11, kDuration = 12, kBillsec = 13, kDisposition = 14,
                       kUniqueid = 16;
+constexpr std::size_t kFewestColumns = kUniqueid - 1;
 
 // The columns of Master.csv in a row of either layout. The custom one has clid in front of all, and
 // what follows on clid in Master.csv one column earlier; uniqueid is at its place again.
@@ -77,7 +98,7 @@ struct Columns {
     const std::size_t at = !moved ? column : column == kClid ? 0 : column - 1;
     return at < fields.size() ? std::string_view(fields[at]) : std::string_view();
   }
-  std::size_t Least() const { return custom ? kUniqueid - 1 : kUniqueid; }
+  std::size_t Least() const { return custom ? kFewestColumns : kUniqueid; }
 };
 
 bool HasTimeShape(std::string_view text) {
@@ -141,7 +162,7 @@ bool IsInCalendar(std::tm time) {
 
 int Start(std::string_view text) {
   using Limits = std::numeric_limits<int>;
-  Check(HasTimeShape(text), "start is not a time", text);
+  Check(HasTimeShape(text), "start is not a time as YYYY-MM-DD hh:mm:ss", text);
   std::tm local{};
   const char* const end = strptime(std::string(text).c_str(), "%Y-%m-%d %H:%M:%S", &local);
   Check(end != nullptr && IsInCalendar(local), "start is not in the calendar", text);
@@ -206,18 +227,24 @@ bool IsCallId(std::string_view text) {
 // well be the userfield, and linkedid stands in several places: there, an id must look like one.
 void ReadIds(const Columns& row, CdrLeg* leg) {
   const bool lone = !row.custom && row.fields.size() == kUniqueid + 1;
-  if (!lone || IsCallId(row[kUniqueid])) leg->uniqueid = row[kUniqueid];
+  const std::string_view uniqueid = row[kUniqueid];
+  if (!uniqueid.empty() && (!lone || IsCallId(uniqueid))) leg->uniqueid = TextHash(uniqueid);
+  leg->record = leg->uniqueid;
+  for (std::size_t i = 0; leg->uniqueid == 0 && i < row.fields.size(); ++i) {
+    leg->record = TextHash(row.fields[i], leg->record + 1);
+  }
   if (row.fields.size() <= kUniqueid) return;
   const auto linked = std::find_if(row.fields.begin() + kUniqueid + 1, row.fields.end(), IsCallId);
-  if (linked != row.fields.end()) leg->linkedid = *linked;
+  if (linked != row.fields.end()) leg->linkedid = TextHash(*linked);
 }
 
-// One of the three columns that tell the layout may be wrong, so that its fault can be named.
+// One of the three columns that tell the layout may be wrong, or both times, so that the fault can
+// be named.
 Columns FindLayout(const Fields& fields) {
   const Columns master = {fields, false};
   const Columns custom = {fields, true};
   const Columns& better = Fit(custom) > Fit(master) ? custom : master;
-  const bool known = Fit(better) >= 2;
+  const bool known = Fit(better) >= 2 || Answered(better[kDisposition]);
   if (known && fields.size() >= better.Least()) return better;
   const bool tooFew = known || fields.size() < custom.Least();
   throw Fault{std::to_string(fields.size()) + (fields.size() == 1 ? " column" : " columns") +
@@ -252,7 +279,10 @@ bool CdrFile::Next(CdrRow* row) try {
     while (HasLine(0) && IsBlank(ahead_.front())) UseUp(1);
     if (ahead_.empty()) return false;
     *row = {linesUsed_ + 1, {}, {}};
-    const Fields fields = ReadRecord();
+    Fields fields = ReadRecord();
+    if (!std::all_of(fields.begin(), fields.end(), IsUtf8)) {
+      std::transform(fields.begin(), fields.end(), fields.begin(), FromLatin1);
+    }
     if (IsHeader({fields, false}) || IsHeader({fields, true})) continue;
     row->leg = ReadLeg(fields);
     return true;
@@ -262,13 +292,27 @@ bool CdrFile::Next(CdrRow* row) try {
   return true;
 }
 
+// The one with which the next line has enough columns.
+bool CdrFile::FindSeparator() {
+  for (const char separator : {',', ';', '\t'}) {
+    RecordParser parser(separator);
+    parser.Take(ahead_.front());
+    if (parser.fields.size() < kFewestColumns) continue;
+    separator_ = separator;
+    return true;
+  }
+  return false;
+}
+
 std::vector<std::string> CdrFile::ReadRecord() {
-  RecordParser parser;
+  RecordParser parser(separator_);
   const bool tooLong = ahead_.front().size() > kRowBytesMax;
   std::size_t bytes = 0;
   for (std::size_t line = 0; !tooLong && line < kRowLinesMax && HasLine(line); ++line) {
     bytes += ahead_[line].size();
     if (bytes > kRowBytesMax || !parser.Take(ahead_[line])) break;
+    const bool fewColumns = line == 0 && parser.fields.size() < kFewestColumns;
+    if (fewColumns && FindSeparator()) return ReadRecord();
     if (!parser.complete) continue;
     UseUp(line + 1);
     return std::move(parser.fields);

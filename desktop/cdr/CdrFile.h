@@ -21,9 +21,10 @@ struct CdrLeg {
   std::string channel;
   std::string dstchannel;
   std::string lastapp;
-  std::string uniqueid;  // empty when the row has none
-  std::string linkedid;
-  int start = 0;  // seconds since 1970-01-01 00:00:00 UTC
+  std::uint64_t uniqueid = 0;  // hashes; 0 when the row has none
+  std::uint64_t linkedid = 0;
+  std::uint64_t record = 0;  // uniqueid, or the hash of all columns
+  int start = 0;             // seconds since 1970-01-01 00:00:00 UTC
   int duration = 0;
   int billsec = 0;
   bool answered = false;
@@ -45,6 +46,7 @@ class CdrFile {
   bool Next(CdrRow* row);
 
  private:
+  bool FindSeparator();
   // Takes the next record off the lines; a bad one as its first line alone.
   std::vector<std::string> ReadRecord();
   void UseUp(std::size_t lines);
@@ -56,6 +58,7 @@ class CdrFile {
   std::function<void(std::uint64_t)> progress_;
   const std::unique_ptr<char[]> part_;
   std::uint64_t bytesRead_ = 0;
+  char separator_ = ',';           // of the last row
   std::deque<std::string> ahead_;  // lines read and not yet used up
   std::size_t linesUsed_ = 0;
 };

@@ -233,7 +233,7 @@ const struct {
     {&Row::start, "2026-05-04 10:00:60", "start is not in the calendar"},
     {&Row::start, "2038-01-19 03:14:08", "start is outside the years that the phone can store"},
     {&Row::start, "1901-12-13 20:45:51", "start is outside the years that the phone can store"},
-    {&Row::start, "today", "start is not a time"},
+    {&Row::start, "05/04/2026 10:00:00", "start is not a time as YYYY-MM-DD hh:mm:ss"},
     {&Row::disposition, kAs + "é" + std::string(1 << 20, 'b'), "unknown disposition", kAs + "..."},
     {&Row::disposition, std::string("a\0b\x1b", 4), "unknown disposition", "a?b?"},
     {&Row::billsec, "3.5", "billsec is not a number of seconds"},
@@ -298,6 +298,46 @@ TEST_F(CallRecords, PassOverMarkAndHeaders) {
   EXPECT_EQ(Read("").rows, 0u);
 }
 
+TEST_F(CallRecords, TakeOtherSeparatorsCharactersAndTimesThatAllAreBad) {
+  for (const char separator : {';', '\t'}) {
+    std::string text = "#\n" + With(&Row::more, ",\"\"").Master();
+    std::replace(text.begin(), text.end(), ',', separator);
+    EXPECT_EQ(Shown(Read(text + kGood)),
+              (Strings{kCall, kCall, "1: 1 column, too few for a call record"}));
+  }
+  const std::string named = With(&Row::clid, "\"\"\"Zo\xEB \xA9\"\" <200>\"").Master();
+  EXPECT_EQ(Shown(Read(named)), Strings{"2 10 200 'Zoë ©' 0"});
+  std::string text = Row().Master();
+  for (std::size_t at = 0; (at = text.find("2026-05-04", at)) != text.npos;) {
+    text.replace(at, 10, "04.05.2026");
+  }
+  const std::string fault = ": start is not a time as YYYY-MM-DD hh:mm:ss: \"04.05.2026 00:00:10\"";
+  EXPECT_EQ(Shown(Read(text)), Strings{"1" + fault});
+}
+
+TEST_F(CallRecords, KeepNoMoreThanAPhoneDoes) {
+  const std::string others = Repeat(With(&Row::dstchannel, "").Master(), 100'000 - 1);
+  EXPECT_EQ(Shown(Read(In(kA, kMissed) + others + In(kA, kTaken))), Strings{});
+  EXPECT_EQ(Shown(Read(In(kA, kMissed) + others + kMenu.Master() + In(kA, kTaken))), kOne);
+  const CdrImport import = Read(With(&Row::src, "first").Master() + Repeat(kGood, 100) +
+                                Repeat("x\n", 30) + Row{kE, ""}.Master());
+  EXPECT_EQ(import.calls.size(), 101u);
+  EXPECT_EQ(import.older, 1u);
+  EXPECT_EQ(import.calls.front().remote_sip_name, "200");
+  EXPECT_EQ(std::pair(import.badRows, import.bad.size()),
+            std::pair(std::size_t{30}, std::size_t{20}));
+}
+
+TEST_F(CallRecords, NameTheBusiestExtensions) {
+  std::string text;
+  for (std::size_t i = 0; i < 12; ++i) {
+    text += Repeat(Row{"PJSIP/3" + std::to_string(10 + i) + "-1", ""}.Master(), 20 - i);
+  }
+  EXPECT_EQ(Read(text).extensions,
+            List("310", "311", "312", "313", "314", "315", "316", "317", "318", "319"));
+  EXPECT_EQ(Read(text, "321").extensions, Strings{});
+}
+
 TEST_F(CallRecords, ReadTimesAsLocal) {
   SetZone("CET-1CEST,M3.5.0,M10.5.0/3");
   const std::pair<const char*, int> times[] = {
@@ -318,7 +358,7 @@ TEST_F(CallRecords, ReportTheBytesRead) {
   std::istringstream in(text);
   std::vector<std::uint64_t> done;
   const auto report = [&done](std::uint64_t bytes) { done.push_back(bytes); };
-  EXPECT_EQ(ReadCallRecords(in, {"100", "", report}).calls.size(), 2000u);
+  EXPECT_EQ(ReadCallRecords(in, {"100", "", report}).rows, 2000u);
   ASSERT_GT(done.size(), 2u);
   EXPECT_LT(done.front(), text.size() / 2);
   EXPECT_EQ(done.back(), text.size());
