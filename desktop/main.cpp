@@ -12,6 +12,7 @@
 
 #include "desktop/Demo.h"
 #include "desktop/console/CallImport.h"
+#include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
 #include "desktop/console/Script.h"
 #include "desktop/console/Signals.h"
@@ -19,6 +20,7 @@
 #include "desktop/console/TimeInput.h"
 #include "desktop/phone/RootDirectory.h"
 #include "desktop/platform/Profile.h"
+#include "desktop/platform/Text.h"
 #include "desktop/server/LogServer.h"
 #include "desktop/server/ServerProgram.h"
 
@@ -98,11 +100,17 @@ int RunScripts(const Options& options, const desk::Console& console) {
   return wrong;
 }
 
+// The number of wrong files.
+int ImportCalls(const desk::CallImport& import, desk::Console& console) try {
+  import.Run(console);
+  return 0;
+} catch (const desk::CommandError& error) {
+  std::cerr << "deskphone: " << desk::Printable(error.what()) << "\n";
+  return 1;
+}
+
 int UsePhone(const Options& options, desk::Console& console, desk::Signals& signals) {
-  if (options.importing) {
-    options.import.Run(console);
-    return 0;
-  }
+  if (options.importing) return ImportCalls(options.import, console);
   if (console.logServer != nullptr) desk::SetUpSources(*console.logServer);
   const int wrong = RunScripts(options, console);
   if (!options.script.empty()) return wrong;
@@ -118,7 +126,8 @@ int RunPhone(const Options& options, desk::Signals& signals) {
   const std::string zone = profile.timezone.empty() && scripted ? "UTC0" : profile.timezone;
   if (!zone.empty()) desk::SetTimeZone(zone);
   const fs::path start = fs::current_path();
-  std::cerr << "deskphone in " << fs::absolute(options.root).string() << "\n";
+  std::cerr << (options.importing ? "bringing calls into the phone in " : "deskphone in ")
+            << fs::absolute(options.root).string() << "\n";
   const bool serves = !options.importing && !options.documents.empty();
   const auto server = serves ? desk::ServeDocuments(options.documents) : nullptr;
   desk::Phone phone(options.root, profile, MakeClock(scripted));
@@ -154,11 +163,13 @@ void AddImport(CLI::App* app, Options* options) {
   CLI::App* const cdr =
       app->add_subcommand("cdr", "brings in a PBX's call detail records and shows the lists")
           ->callback([options] { options->importing = true; });
-  cdr->add_option("FILE", options->import.file, "Master.csv, or the custom layout")->required();
+  cdr->add_option("FILE", options->import.file,
+                  "Master.csv, or the custom layout; \"-\": standard input")
+      ->required();
   cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
   cdr->add_option("--server", options->import.server, "SIP server of both parties")
       ->capture_default_str();
-  cdr->excludes(app->get_option("--demo"));
+  cdr->fallthrough()->excludes(app->get_option("--demo"));
 }
 
 // What `run` returns; an exception is reported.
@@ -193,11 +204,11 @@ int main(int argc, char** argv) {
   Options options;
   CLI::App app(
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
-      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end "
-      "it\n"
-      "with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script or "
-      "an\n"
-      "import short; 2 when a script held wrong commands.");
+      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end
+"
+      "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script
+"
+      "or an import short; 2 when a script held wrong commands, or no call could be brought in.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);
   AddImport(&app, &options);

@@ -6,6 +6,7 @@
 #include "desktop/console/CallImport.h"
 #include "desktop/console/CallLists.h"
 #include "desktop/console/Commands.h"
+#include "desktop/console/Input.h"
 #include "desktop/console/TimeInput.h"
 
 namespace desk {
@@ -58,6 +59,7 @@ void Call(Console& console, Arguments& arguments) {
 void Import(Console& console, Arguments& arguments) {
   CallImport import;
   import.file = arguments.Word("the file");
+  if (import.file == Input::kStandard) throw CommandError("the file is wanted by its name");
   import.extension = arguments.Word("the extension");
   import.server = arguments.Option("server", ParseAccount(console.phone, "").server);
   arguments.Done();

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <map>
 
@@ -18,6 +17,8 @@
 #include "desktop/console/CallLists.h"
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Console.h"
+#include "desktop/console/ImportedCalls.h"
+#include "desktop/console/Input.h"
 #include "desktop/console/Screen.h"
 #include "desktop/platform/Text.h"
 
@@ -52,33 +53,71 @@ class ProgressBar {
   int shown_ = -1;
 };
 
-CdrImport Read(const CallImport& what, const Console& console) {
-  const std::filesystem::path path = console.folder / what.file;
-  const auto fail = [&](const std::string& why) {
-    throw CommandError("cannot read " + path.string() + why);
-  };
-  std::ifstream file(path, std::ios::binary);
-  if (!file) fail(std::string(": ") + std::strerror(errno));
-  if (!std::filesystem::is_regular_file(path)) fail(": not a file");
-  ProgressBar bar(std::filesystem::file_size(path));
-  const auto progress = [&](std::uint64_t done) {
+CdrImport Read(const CallImport& what, Console& console) {
+  Input input(console, what.file);
+  std::istream file(&input);
+  std::error_code unknown;  // of a pipe
+  const auto size = std::filesystem::file_size(console.folder / what.file, unknown);
+  ProgressBar bar(unknown ? 0 : size);
+  const auto goOn = [&] {
     if (console.phone.interrupted()) throw CommandError("interrupted; no call was brought in");
+  };
+  const auto progress = [&](std::uint64_t done) {
+    goOn();
     bar.Update(done);
   };
   CdrImport import = ReadCallRecords(file, {what.extension, what.server, progress});
-  if (file.bad()) fail(" to its end");
+  goOn();
+  if (file.bad()) throw CommandError("cannot read " + what.file + " to its end");
   return import;
 }
 
-void PrintBadRows(Console& console, const std::string& file, const std::vector<BadRow>& bad) {
-  constexpr std::size_t kNamed = 20;
-  for (std::size_t i = 0; i < std::min(bad.size(), kNamed); ++i) {
-    console.Say(Printable(file) + ":" + std::to_string(bad[i].line) + ": " +
-                Printable(bad[i].reason));
+// A file of something else, or an extension of somewhere else.
+void CheckThatItIsMeant(const CallImport& what, const CdrImport& import) {
+  const std::size_t good = import.rows - import.badRows;
+  if (import.rows == 0 || good > import.other) return;
+  if (good == 0) {
+    throw CommandError(what.file + ":" + std::to_string(import.bad.front().line) + ": " +
+                       import.bad.front().reason + "; no row is a call record");
   }
-  if (bad.size() > kNamed) {
-    console.Say("and " + std::to_string(bad.size() - kNamed) + " bad rows more");
+  std::string others;
+  for (const auto& name : import.extensions) others += (others.empty() ? "" : ", ") + name;
+  throw CommandError("no call of " + what.extension + " is in " + what.file + "; it has " +
+                     (others.empty() ? "no extension" : others));
+}
+
+void PrintBadRows(Console& console, const std::string& file, const CdrImport& import) {
+  for (const BadRow& bad : import.bad) {
+    console.Say(Printable(file) + ":" + std::to_string(bad.line) + ": " + Printable(bad.reason));
   }
+  if (import.badRows > import.bad.size()) {
+    console.Say("and " + Counted(import.badRows - import.bad.size(), "more bad row"));
+  }
+}
+
+struct Outcome {
+  std::array<std::size_t, kTypes> stored{};
+  std::size_t before = 0;                      // brought in before
+  std::map<std::string, std::size_t> refused;  // by reason
+};
+
+Outcome Store(const CdrImport& import, Phone& phone) {
+  Outcome outcome;
+  phone.Save();
+  ImportedCalls imported(phone.HistoryFile());
+  for (const CdrCall& call : import.calls) {
+    const bool before = imported.Has(call);
+    const std::string refusal = before ? "" : phone.AddCall(call);
+    const auto type = static_cast<std::size_t>(call.type);
+    ++(before ? outcome.before : refusal.empty() ? outcome.stored[type] : outcome.refused[refusal]);
+    if (refusal.empty()) imported.Note(call);
+  }
+  phone.Save();
+  if (!imported.Save()) {
+    throw CommandError(std::string("what was brought in cannot be kept in mind: ") +
+                       std::strerror(errno));
+  }
+  return outcome;
 }
 
 void PrintLists(std::ostream& out) {
@@ -95,19 +134,19 @@ void PrintLists(std::ostream& out) {
 
 void CallImport::Run(Console& console) const {
   const CdrImport import = Read(*this, console);
-  std::array<std::size_t, kTypes> stored{};
-  std::map<std::string, std::size_t> refused;  // by reason
-  for (const CallLogAddItemData& call : import.calls) {
-    const std::string refusal = console.phone.AddCall(call);
-    ++(refusal.empty() ? stored[static_cast<std::size_t>(call.type)] : refused[refusal]);
-  }
-  console.Say(Format("%zu records: %zu outgoing, %zu missed, %zu received; %zu of others, %zu bad",
-                     import.rows, stored[1], stored[2], stored[3], import.other,
-                     import.bad.size()));
-  for (const auto& [reason, count] : refused) {
-    console.Say(Counted(count, "call") + " refused: " + reason);
-  }
-  PrintBadRows(console, file, import.bad);
+  CheckThatItIsMeant(*this, import);
+  const Outcome outcome = Store(import, console.phone);
+  const auto& stored = outcome.stored;
+  console.Say(Counted(import.rows, "record") +
+              Format(": %zu outgoing, %zu missed, %zu received; %zu of others, %zu bad", stored[1],
+                     stored[2], stored[3], import.other, import.badRows));
+  const auto sayIfAny = [&console](std::size_t count, const std::string& what) {
+    if (count > 0) console.Say(Counted(count, "call") + " " + what);
+  };
+  sayIfAny(outcome.before, "brought in before");
+  sayIfAny(import.older, "left out: the phone keeps the newest 100 of each type");
+  for (const auto& [reason, count] : outcome.refused) sayIfAny(count, "refused: " + reason);
+  PrintBadRows(console, file, import);
   ReportNews(console);
   PrintLists(console.out);
 }

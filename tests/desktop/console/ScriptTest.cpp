@@ -109,6 +109,36 @@ TEST_F(ScriptTest, AnInterruptedImportBringsNothingIn) {
   EXPECT_FALSE(phone.Save());
 }
 
+TEST_F(ScriptTest, ACallIsBroughtInOnce) {
+  const auto records = files.path() / "records.csv";
+  const auto missed = [&](const std::string& script) {
+    const std::string printed = Run(script + "\ncdr records.csv 100");
+    return printed.substr(printed.rfind("\n  missed: ") + 11, 1);
+  };
+  const std::filesystem::path known = root.path() / "config/data/imported_calls";
+  EXPECT_EQ(missed(""), "2");
+  EXPECT_EQ(missed(""), "2");
+  std::filesystem::remove(known);  // killed before it was written
+  EXPECT_EQ(missed(""), "2");
+  EXPECT_EQ(std::filesystem::status(known).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  EXPECT_EQ(missed("remove missed all"), "0");
+  std::string more = kMissedBy100;
+  more.replace(more.find(",200,"), 5, ",201,");
+  WriteFile(records, ReadFile(records) + more);
+  EXPECT_EQ(missed(""), "1");
+}
+
+TEST_F(ScriptTest, AnImportOfNothingSaysWhy) {
+  WriteFile(files.path() / "bad.csv", "hello\n\n1\n");
+  Run("cdr bad.csv 100\ncdr records.csv 300\ncdr - 100\n");
+  EXPECT_EQ(wrong, 3);
+  EXPECT_EQ(errors.str(),
+            "script:1: bad.csv:1: 1 column, too few for a call record; no row is a call record\n"
+            "script:2: no call of 300 is in records.csv; it has 100, 200\n"
+            "script:3: the file is wanted by its name\n");
+}
+
 TEST_F(ScriptTest, TheHistoryIsGuardedFromStartToEnd) {
   const auto file = root.path() / "config/data/call_data.xml";
   const std::string note = "  * the last good copy of the history is back";
