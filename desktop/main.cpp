@@ -204,10 +204,8 @@ int main(int argc, char** argv) {
   Options options;
   CLI::App app(
       "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
-      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end
-"
-      "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script
-"
+      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end\n"
+      "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script\n"
       "or an import short; 2 when a script held wrong commands, or no call could be brought in.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
   AddOptions(&app, &options);

@@ -112,7 +112,9 @@ Outcome Store(const CdrImport& import, Phone& phone) {
     ++(before ? outcome.before : refusal.empty() ? outcome.stored[type] : outcome.refused[refusal]);
     if (refusal.empty()) imported.Note(call);
   }
-  phone.Save();
+  if (phone.Save() == NS_GUARD::HistoryGuard::Outcome::kIncomplete) {
+    throw CommandError("the calls could not be saved; bring them in again when there is room");
+  }
   if (!imported.Save()) {
     throw CommandError(std::string("what was brought in cannot be kept in mind: ") +
                        std::strerror(errno));
