@@ -38,6 +38,6 @@ kill -TERM $!
 status=0
 wait $! || status=$?
 exec 3>&-
-[ "$status" -eq 143 ]
+[ "$status" -eq 1 ]
 root=$work/ended
 import 0 "4 missed" "$@" cdr "$records" --extension 100
