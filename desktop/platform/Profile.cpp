@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <iterator>
 #include <limits>
 #include <sstream>
@@ -182,7 +183,8 @@ std::string ReadNamed(const std::filesystem::path& file, const toml::node& value
 Reader VCardsInto(std::vector<Contact>& contacts, const std::filesystem::path& folder) {
   return [&contacts, folder](const toml::key& key, const toml::node& value) {
     const std::filesystem::path file = folder / ReadText(value, key);
-    contacts = ParseVCards(ReadNamed(file, value), file.string());
+    const std::string text = ReadNamed(file, value);
+    contacts = ParseVCards(text, Printable(file.string()), std::cerr);
   };
 }
 

@@ -12,12 +12,16 @@ namespace desk {
 std::string DialledForm(std::string_view written) {
   // Address books of mobile phones write no-break spaces and hyphens too.
   constexpr std::u32string_view kSeparators = U" \t-()./\u00A0\u202F\u2010\u2011";
+  constexpr std::string_view kTrunkPrefix = "(0)";  // for who calls from the same country
   const bool isSipName = std::any_of(written.begin(), written.end(), [](char c) {
     return c == '@' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
   });
   if (isSipName) return std::string(written);
   std::string dialled;
   while (!written.empty()) {
+    const bool abroad = dialled.rfind('+', 0) == 0 || dialled.rfind("00", 0) == 0;
+    if (abroad && written.rfind(kTrunkPrefix, 0) == 0) written.remove_prefix(kTrunkPrefix.size());
+    if (written.empty()) break;
     const Character next = TakeCharacter(&written);
     const auto code = static_cast<char32_t>(next.code);
     if (kSeparators.find(code) == kSeparators.npos) dialled += next.bytes;

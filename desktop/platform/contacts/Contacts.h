@@ -17,7 +17,8 @@ struct Contact {
   std::string photo;  // path or URI; empty: none
 };
 
-// `written` without the blanks, dashes, brackets, dots and slashes that people put between digits.
+// `written` without the blanks, dashes, brackets, dots and slashes that people put between digits,
+// and without the "(0)" behind a country code.
 // A text with a letter or "@" is a SIP name rather than a number and stays as it is.
 std::string DialledForm(std::string_view written);
 

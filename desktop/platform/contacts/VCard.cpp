@@ -3,12 +3,14 @@
 // and libebook-contacts bring much of the Qt or GNOME platform along.
 #include "desktop/platform/contacts/VCard.h"
 
+#include <iconv.h>
 #include <utf8proc.h>
 
 #include <algorithm>
 #include <charconv>
+#include <map>
+#include <ostream>
 #include <sstream>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -46,6 +48,18 @@ std::string DecodeQuotedPrintable(std::string_view text) {
     if (escape) i += 2;
   }
   return decoded;
+}
+
+// `text` in UTF-8; as it is when it is not in `charset`.
+std::string FromCharset(const std::string& charset, const std::string& text) {
+  const iconv_t converter = iconv_open("UTF-8", charset.c_str());
+  if (converter == reinterpret_cast<iconv_t>(-1)) return text;
+  std::string input = text, output(4 * text.size(), '\0');
+  char *from = input.data(), *to = output.data();
+  std::size_t left = input.size(), room = output.size();
+  const bool whole = iconv(converter, &from, &left, &to, &room) != static_cast<std::size_t>(-1);
+  iconv_close(converter);
+  return whole ? output.substr(0, output.size() - room) : text;
 }
 
 // An unknown escape stays as it is: it may be part of a path.
@@ -98,7 +112,36 @@ std::vector<Line> UnfoldedLines(const std::string& text) {
 struct Property {
   std::string name;        // in capitals, without its group; empty: the line is no property
   std::string parameters;  // in capitals
-  std::string value;
+  std::string value;       // as it is written
+
+  std::string Parameter(const std::string& parameter) const {
+    const auto begin = parameters.find(";" + parameter + "=");
+    if (begin == kNone) return {};
+    const std::string text = parameters.substr(begin + parameter.size() + 2);
+    return text.substr(0, text.find(';'));
+  }
+
+  // A part of the value.
+  std::string Read(std::string_view part) const {
+    const bool quoted = Contains(parameters, "QUOTED-PRINTABLE");
+    const std::string text = quoted ? DecodeQuotedPrintable(part) : std::string(part);
+    const std::string charset = Parameter("CHARSET");
+    return Unescape(charset.empty() ? text : FromCharset(charset, text));
+  }
+
+  // The part of this number, of those between semicolons.
+  std::string Component(int number) const {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+      if (value[i] == '\\') {
+        ++i;
+      } else if (value[i] == ';') {
+        if (number-- == 0) return Read(std::string_view(value).substr(begin, i - begin));
+        begin = i + 1;
+      }
+    }
+    return number == 0 ? Read(std::string_view(value).substr(begin)) : "";
+  }
 };
 
 Property ParseProperty(std::string_view line) {
@@ -112,19 +155,23 @@ Property ParseProperty(std::string_view line) {
   const std::string head = Upper(line.substr(0, length));
   const auto nameEnd = std::min(head.find(';'), head.size());
   const std::string name = head.substr(0, nameEnd);
-  Property property{name.substr(name.rfind('.') + 1), head.substr(nameEnd),
-                    std::string(line.substr(length + 1))};
-  if (Contains(head, "QUOTED-PRINTABLE")) property.value = DecodeQuotedPrintable(property.value);
-  property.value = Unescape(property.value);
-  return property;
+  return {name.substr(name.rfind('.') + 1), head.substr(nameEnd),
+          std::string(line.substr(length + 1))};
+}
+
+// Empty for what names nobody.
+std::string NameIn(const Property& property) {
+  if (property.name == "FN") return property.Read(property.value);
+  if (property.name == "ORG") return property.Component(0);
+  if (property.name != "N") return {};
+  const std::string family = property.Component(0), given = property.Component(1);
+  return given + (given.empty() || family.empty() ? "" : " ") + family;
 }
 
 void Store(const Property& property, Contact& contact) {
-  const std::string& value = property.value;
+  const std::string value = property.Read(property.value);
   const std::string scheme = Upper(value.substr(0, value.find(':') + 1));
-  if (property.name == "FN" && contact.name.empty()) {
-    contact.name = value;
-  } else if (property.name == "TEL") {
+  if (property.name == "TEL") {
     // The number of a URI ends where its parameters begin.
     std::string number =
         DialledForm(scheme == "TEL:" ? value.substr(4, value.find(';') - 4) : value);
@@ -145,36 +192,49 @@ void Check(bool good, std::size_t line, const char* reason) {
   if (!good) throw Fault{line, reason};
 }
 
+using LineIterator = std::vector<Line>::const_iterator;
+
 // The card that begins at `line`, which moves to its end.
-Contact ReadCard(std::vector<Line>::const_iterator* line, std::vector<Line>::const_iterator end) {
+Contact ReadCard(LineIterator* line, LineIterator end) {
   const std::size_t begin = (*line)->number;
+  std::map<std::string, std::string> names;  // by property
   Contact contact;
   while (++*line != end && Upper((*line)->text) != "END:VCARD") {
     Check(Upper((*line)->text) != kBegin, begin, kNoEnd);
     const Property property = ParseProperty((*line)->text);
     Check(!property.name.empty(), (*line)->number, "neither a property nor END:VCARD");
-    const bool readable = property.name != "FN" || IsUtf8(property.value);
-    Check(readable, (*line)->number, "FN is not in UTF-8");
+    const std::string name = NameIn(property);
+    Check(IsUtf8(name), (*line)->number, "the name is not in UTF-8, or not in its CHARSET");
+    if (!name.empty()) names.emplace(property.name, name);
     Store(property, contact);
   }
   Check(*line != end, begin, kNoEnd);
+  for (const char* property : {"FN", "N", "ORG"}) {
+    if (contact.name.empty()) contact.name = names[property];
+  }
+  Check(!contact.name.empty(), begin, "the card has no name");
+  Check(!contact.numbers.empty(), begin, "the card has no number");
   return contact;
 }
 
 }  // namespace
 
-std::vector<Contact> ParseVCards(const std::string& text, const std::string& source) try {
+std::vector<Contact> ParseVCards(const std::string& text, const std::string& source,
+                                 std::ostream& skipped) {
   const std::vector<Line> lines = UnfoldedLines(text);
-  Check(!lines.empty(), 1, kNoCard);
   std::vector<Contact> contacts;
-  for (auto line = lines.begin(); line != lines.end(); ++line) {
-    Check(Upper(line->text) == kBegin, line->number, kNoCard);
-    Contact contact = ReadCard(&line, lines.end());
-    if (!contact.name.empty() && !contact.numbers.empty()) contacts.push_back(std::move(contact));
+  for (auto line = lines.begin(); line != lines.end();) {
+    try {
+      Check(Upper(line->text) == kBegin, line->number, kNoCard);
+      contacts.push_back(ReadCard(&line, lines.end()));
+      ++line;
+    } catch (const Fault& fault) {
+      skipped << source << ":" << fault.line << ": " << fault.reason << "\n";
+      line = std::find_if(line, lines.end(),
+                          [](const Line& each) { return Upper(each.text) == kBegin; });
+    }
   }
   return contacts;
-} catch (const Fault& fault) {
-  throw std::runtime_error(source + ":" + std::to_string(fault.line) + ": " + fault.reason);
 }
 
 }  // namespace desk

@@ -2,6 +2,7 @@
 // Opening files is left to the caller.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,9 @@
 
 namespace desk {
 
-// The cards of `text` that have a name and a number, in order; the others are skipped. Throws
-// std::runtime_error, "SOURCE:LINE: reason", when the text holds no card or a damaged one.
-std::vector<Contact> ParseVCards(const std::string& text, const std::string& source);
+// The cards of `text` that have a number and a name (or at least the parts of one, or a company),
+// in order. Of each other and of what is no card, `skipped` gets a line "SOURCE:LINE: reason".
+std::vector<Contact> ParseVCards(const std::string& text, const std::string& source,
+                                 std::ostream& skipped);
 
 }  // namespace desk
