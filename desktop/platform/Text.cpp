@@ -9,6 +9,23 @@
 #include <new>
 
 namespace desk {
+namespace {
+
+// Direction overrides and other invisible format characters could disguise a line.
+bool IsVisible(std::int32_t code) {
+  const bool control = code < 0x20 || (code >= 0x7f && code < 0xa0);
+  return !control && utf8proc_category(code) != UTF8PROC_CATEGORY_CF;
+}
+
+// Families of emoji and some words of India and Persia are written with a joiner, or its opposite,
+// between two characters.
+bool Joins(std::int32_t before, std::int32_t code, std::string_view rest) {
+  const bool isJoiner = code == 0x200C || code == 0x200D;
+  return isJoiner && before != ' ' && IsVisible(before) && !rest.empty() &&
+         IsVisible(TakeCharacter(&rest).code);
+}
+
+}  // namespace
 
 std::string FormatV(const char* format, va_list arguments) {
   char* text = nullptr;
@@ -38,16 +55,16 @@ Character TakeCharacter(std::string_view* text) {
 
 std::string Printable(std::string_view text) {
   std::string shown;
+  std::int32_t before = 0;
   while (!text.empty()) {
     const Character letter = TakeCharacter(&text);
-    const bool control = letter.code < 0x20 || (letter.code >= 0x7f && letter.code < 0xa0);
-    // Direction overrides and other invisible format characters could disguise a line.
-    if (!control && utf8proc_category(letter.code) != UTF8PROC_CATEGORY_CF) {
+    if (IsVisible(letter.code) || Joins(before, letter.code, text)) {
       shown += letter.bytes;
-      continue;
+    } else {
+      for (const char byte : letter.bytes)
+        shown += Format("\\x%02X", static_cast<unsigned char>(byte));
     }
-    for (const char byte : letter.bytes)
-      shown += Format("\\x%02X", static_cast<unsigned char>(byte));
+    before = letter.code;
   }
   return shown;
 }
