@@ -96,6 +96,15 @@ void RefuseForeign(const fs::path& root) {
   }
 }
 
+// The documents that transfers have fetched are for nobody else. In a folder that is no link.
+void RemoveFetched(const fs::path& folder) {
+  std::error_code ignored;
+  if (!fs::is_directory(fs::symlink_status(folder, ignored))) return;
+  const fs::path document = folder / "BroadSoftCallLog.xml";
+  fs::remove(document, ignored);
+  PrivateFile::RemoveLeft(document);
+}
+
 // The root comes first: behind it nobody else can get at what is in it. True when it was open.
 bool CloseRoot(const fs::path& root) {
   std::error_code error;
@@ -106,7 +115,8 @@ bool CloseRoot(const fs::path& root) {
   if ((before & writable) != fs::perms::none) RefuseForeign(root);
   for (const char* file : {"lock", "commands"}) CloseIfFile(root / file);
   if (CloseFolder(root / "config")) CloseFolder(root / "config/data");
-  if (CloseFolder(root / "tmp")) PrivateFile::RemoveLeft(root / "tmp/BroadSoftCallLog.xml");
+  CloseFolder(root / "tmp");
+  RemoveFetched(root / "tmp");
   return wasOpen;
 }
 
@@ -138,6 +148,7 @@ RootDirectory::RootDirectory(const fs::path& path) {
 
 RootDirectory::~RootDirectory() {
   std::error_code ignored;
+  RemoveFetched(path_ / "tmp");
   fs::current_path(before_, ignored);
 }
 

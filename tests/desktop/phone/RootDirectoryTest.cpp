@@ -105,17 +105,21 @@ TEST_F(RootDirectoryTest, AnOlderDirectoryIsClosedToOthers) {
 
 TEST_F(RootDirectoryTest, WhatATransferHasLeftGoes) {
   const fs::path left = root / "tmp/.BroadSoftCallLog.xml-aB3dE6";
-  for (const fs::path& file : {left, root / "tmp/.BroadSoftCallLog.xml-longer0",
+  const fs::path fetched = root / "tmp/BroadSoftCallLog.xml";
+  for (const fs::path& file : {left, fetched, root / "tmp/.BroadSoftCallLog.xml-longer0",
                                root / "tmp/BroadSoftCallLog.xml-aB3dE6", root / "lock"}) {
     Write(file);
   }
   EXPECT_EQ(Refusal(), "");
   EXPECT_FALSE(fs::exists(left));
+  EXPECT_FALSE(fs::exists(fetched));
   EXPECT_EQ(std::distance(fs::directory_iterator(root / "tmp"), {}), 2);
 }
 
 TEST_F(RootDirectoryTest, LinksAreNotFollowed) {
-  for (const char* file : {"data/file", ".BroadSoftCallLog.xml-aB3dE6"}) Write(others / file);
+  for (const char* file : {"data/file", ".BroadSoftCallLog.xml-aB3dE6", "BroadSoftCallLog.xml"}) {
+    Write(others / file);
+  }
   const Modes before = ModesOf(others);
   EXPECT_EQ(Refusal(), "");
   for (const char* link : {"commands", "config/data/link", "tmp/.BroadSoftCallLog.xml-linked"}) {
