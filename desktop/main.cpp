@@ -208,6 +208,9 @@ int main(int argc, char** argv) {
       "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script\n"
       "or an import short; 2 when a script held wrong commands, or no call could be brought in.");
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("deskphone: ") + error.what() + "\n";
+  });
   AddOptions(&app, &options);
   AddImport(&app, &options);
   desk::ServerProgram server(&app);

@@ -35,7 +35,7 @@ REFUSED = {
     ("--user", "anna", "--password-file", "documents"): "cannot read documents: Is a directory",
     ("--user", "an:na", "--password", "secret"): 'a user cannot hold ":": it ends there',
 }
-WELCOME = r"call logs on (http://127\.0\.0\.1:\d+/)"
+WELCOME = r"call logs on (http://127\.0\.0\.1:(\d+)/)"
 
 
 def status_of(url, password):
@@ -57,11 +57,15 @@ def check_refusals(program):
     for options, reason in REFUSED.items():
         ended = subprocess.run([*program, *options], stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
         expect(options, (ended.returncode, ended.stdout, ended.stderr), (1, "", f"deskphone: {reason}\n"))
+    for port in "99999", "-1", "abc":
+        ended = subprocess.run([*program, "--port", port], capture_output=True, text=True, timeout=60)
+        expect(port, ended.stderr, f"deskphone: --port: Value {port} not in range 0 to 65535\n")
 
 
-def check_serving(program, options, statuses):
+def check_serving(program, user, options, statuses):
     server = subprocess.Popen([*program, *options], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
-    url = re.match(WELCOME, server.stdout.readline())[1]
+    url, port = re.match(WELCOME, server.stdout.readline()).groups()
+    expect(options, server.stdout.readline(), f"source 0 name=Missed server=127.0.0.1/Missed port={port} user={user}\n")
     for password, status in statuses.items():
         expect((options, password), status_of(url, password), status)
     server.terminate()
@@ -134,10 +138,11 @@ with tempfile.TemporaryDirectory() as directory:
     Path("cut").write_bytes(b"sec\0ret\n")
     program = [*sys.argv[1:], "server", "documents"]
     check_refusals(program)
-    check_serving(program, [], {None: 200})
-    check_serving(program, ["--user", "anna", "--password-file", "password"],
+    check_serving(program, "", [], {None: 200})
+    check_serving(program, "anna", ["--user", "anna", "--password-file", "password"],
                   {None: 401, "": 401, "Secret": 401, "secret": 200})
-    check_serving(program, ["--user", "anna", "--password", "p:w"], {"p:w": 200, "": 401})
+    check_serving(program, '"an na"', ["--user", "an na", "--password", "p"], {None: 401})
+    check_serving(program, "anna", ["--user", "anna", "--password", "p:w"], {"p:w": 200, "": 401})
     check_question(program)
     check_interrupted_question(program)
     check_long_requests(program)

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "desktop/platform/Text.h"
 #include "desktop/platform/WholeNumber.h"
 #include "desktop/server/ServedDocument.h"
 
@@ -18,6 +19,7 @@ namespace {
 using Kind = Behaviour::Kind;
 
 constexpr char kHost[] = "127.0.0.1";
+constexpr char kList[] = "/";
 constexpr char kXml[] = "application/xml";
 constexpr char kPage[] =
     "<!DOCTYPE html>\n<html><head><title>Sign in</title></head>"
@@ -153,7 +155,30 @@ std::shared_ptr<const ServedDocument> LogServer::FindDocument(const std::string&
   return {};
 }
 
+std::vector<std::string> LogServer::Documents() const {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (std::filesystem::directory_iterator next(settings_.directory, error), end;
+       !error && next != end; next.increment(error)) {
+    const std::string name = next->path().filename();
+    if (ServedDocument::Open(next->path()) != nullptr) names.push_back(name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool LogServer::Has(const std::string& path) const {
+  return path == kList || (path.rfind('/', 0) == 0 && FindDocument(path) != nullptr);
+}
+
+void LogServer::SendList(httplib::Response& response) const {
+  std::string list;
+  for (const std::string& name : Documents()) list += "/" + Printable(name) + "\n";
+  response.set_content(list, "text/plain; charset=utf-8");
+}
+
 void LogServer::Send(const std::string& path, Kind kind, httplib::Response& response) {
+  if (path == kList) return SendList(response);
   const auto document = FindDocument(path);
   if (document == nullptr) {
     response.status = 404;
@@ -190,6 +215,11 @@ bool LogServer::AnswerBadly(const std::string& path, const Behaviour& behaviour,
 void LogServer::Answer(const httplib::Request& request, httplib::Response& response) {
   if (request.method != "GET" && request.method != "HEAD") {
     response.status = 405;
+    return;
+  }
+  if (request.target.find("%00") != std::string::npos ||
+      request.path.find('\0') != std::string::npos) {
+    response.status = 400;  // as a C string it would end there, and be another
     return;
   }
   const Behaviour behaviour = Arrive(request);

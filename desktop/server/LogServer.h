@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace httplib {
 class Server;
@@ -62,6 +63,9 @@ class LogServer {
   void Start();
   void Stop();
   int port() const { return port_; }
+  std::vector<std::string> Documents() const;  // their names, in order
+  // A path that ends in a document's name, with or without ".xml"; "/" has the list of them.
+  bool Has(const std::string& path) const;
 
   // All of these from any thread; a path begins with "/" and has no query.
   void Misbehave(const std::string& path, const Behaviour& behaviour);
@@ -89,6 +93,7 @@ class LogServer {
   // As long as the path behaves like this and the server runs.
   void WaitWhile(const std::string& path, Behaviour::Kind kind,
                  std::chrono::seconds limit = std::chrono::hours(24));
+  void SendList(httplib::Response& response) const;
   // The document named like the last part of the path, with or without ".xml"; null for none.
   std::shared_ptr<const ServedDocument> FindDocument(const std::string& path) const;
 

@@ -6,12 +6,17 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+
+#include "desktop/platform/Text.h"
 
 namespace desk {
 namespace {
@@ -43,6 +48,31 @@ std::string AskFor(const std::string& question) {
   const bool answered =
       readpassphrase(question.c_str(), typed.data(), typed.size(), RPP_REQUIRE_TTY) != nullptr;
   return answered ? typed.data() : "";
+}
+
+// A word as the phone's prompt reads it.
+std::string Word(const std::string& text) {
+  const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || std::strchr("@._-+/", c) != nullptr;
+  });
+  if (plain) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return Printable(quoted + "\"");
+}
+
+// The first document as a source, but for those whose names a URL would read as something else.
+std::string SourceLine(const LogServer& server, const std::string& user) {
+  std::string name;
+  for (const std::string& document : server.Documents()) {
+    if (name.empty() && document.find_first_of("#?%") == document.npos) name = document;
+  }
+  return "source 0 name=" + Word(std::filesystem::path(name).stem()) +
+         " server=" + Word("127.0.0.1/" + name) + " port=" + std::to_string(server.port()) +
+         " user=" + Word(user);
 }
 
 }  // namespace
@@ -95,6 +125,7 @@ int ServerProgram::Run() {
   LogServer server(settings_);
   server.Start();
   std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;
+  std::cout << SourceLine(server, settings_.user) << std::endl;
   int received = 0;
   sigwait(&ends, &received);
   return 0;

@@ -111,9 +111,13 @@ TEST_F(LogServerTest, ServesTheFilesOfItsDirectoryAlone) {
   EXPECT_EQ(Client(server, "/Missed").Read(100), "missed");
   EXPECT_EQ(Client(server, "/v2.0/Missed.xml").Read(100), "missed");
   EXPECT_EQ(Client(server, "/Empty").Status(), 200);
-  for (const char* path :
-       {"/link", "/fifo", "/folder", "/", "/..", "/..%2Fprivate", "/Missed%00", "/Missed.xml%00"}) {
+  Serve("new\nline", "");
+  EXPECT_EQ(Client(server, "/").Read(100), "/Empty\n/Missed.xml\n/new\\x0Aline\n");
+  for (const char* path : {"/link", "/fifo", "/folder", "/..", "/..%2Fprivate"}) {
     EXPECT_EQ(Client(server, path).Status(), 404) << path;
+  }
+  for (const char* path : {"/%00", "/Missed%00", "/Missed.xml%00", "/Missed?name=a%00b"}) {
+    EXPECT_EQ(Client(server, path).Status(), 400) << path;
   }
 }
 
@@ -127,6 +131,7 @@ TEST_F(LogServerTest, TakesBasicInAnyCaseAndThePasswordAsItIs) {
        {std::string(), std::string("Basic"), "Bearer " + credentials, "Basi " + credentials,
         "Basic " + credentials + "=", "basic y" + credentials.substr(1)}) {
     EXPECT_EQ(Client(server, "/Missed", wrong).Status(), 401) << wrong;
+    EXPECT_EQ(Client(server, "/", wrong).Status(), 401) << wrong;
   }
 }
 
