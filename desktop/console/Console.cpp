@@ -4,11 +4,28 @@
 #include "CallLog.h"
 #include "desktop/console/CommandLine.h"
 #include "desktop/console/Screen.h"
+#include "desktop/console/SourceCheck.h"
 #include "desktop/platform/Text.h"
 #include "desktop/platform/transfer/TransferUrl.h"
 
 namespace desk {
 namespace {
+
+// A source's list, by the source's name and what was searched there; the URL when no source has it.
+std::string ListName(const std::string& url) {
+  const auto& controller = *NS_CALLLOG::CBSCallLogController::GetInstance();
+  for (int i = 0; i < controller.GetTotalConfigurableItemCount(); ++i) {
+    const std::string own = SourceUrl(*controller.GetConfigDataByIndex(i));
+    if (own.empty() || url.rfind(own, 0) != 0) continue;
+    const std::string query = url.substr(own.size());
+    if (!query.empty() && query.rfind(kNameQuery, 0) != 0) continue;
+    const std::string name = controller.GetConfiguredItemName(i);
+    const std::string shown = name.empty() ? "source " + std::to_string(i) : name;
+    if (query.empty()) return shown;
+    return shown + ", for \"" + UnescapeQuery(query.substr(kNameQuery.size())) + "\"";
+  }
+  return MaskCredentials(url);
+}
 
 std::string Line(const RootWasOpen&) {
   return "other users could read this phone's files; now only you can";
@@ -23,12 +40,13 @@ std::string Line(const HistorySaved& saved) {
 
 std::string Line(NS_GUARD::HistoryGuard::Outcome outcome) { return Describe(outcome); }
 
+std::string Line(const ListFetched& list) {
+  const std::string name = Printable(ListName(list.url));
+  if (list.error.empty()) return "a server list is there: " + name;
+  return "a server list could not be fetched: " + name + ": " + Printable(list.error);
+}
+
 std::string Line(const Message& message) {
-  if (message.message == MSG_BS_CALLLOG_DOWNLOADED) {
-    return std::string(message.lParam == 0 ? "a server list is there: "
-                                           : "a server list could not be fetched: ") +
-           Printable(MaskCredentials(CString(message.extra)));
-  }
   return Format("message 0x%x to the application, wParam %u, lParam %d", message.message,
                 message.wParam, message.lParam);
 }

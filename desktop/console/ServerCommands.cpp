@@ -54,11 +54,14 @@ std::string Explain(int result) {
 
 // The click action that opens a source's list; one with brackets is taken as it is. A hand can have
 // written a source into the file that leads elsewhere, or to nobody.
-std::string SourceAction(const std::string& word) {
+std::string SourceAction(const std::string& word, bool searches) {
   if (word.find('(') != std::string::npos) return word;
   const int index = ParseInt(word, "the source");
   const auto* const source = Controller().GetConfigDataByIndex(index);
-  const std::string refusal = source != nullptr ? WhyUnusable(*source) : std::string();
+  std::string refusal = source != nullptr ? WhyUnusable(*source) : std::string();
+  if (searches && source != nullptr && source->server.find('?') != std::string::npos) {
+    refusal = "its server holds a \"?\", so no name can be searched there";
+  }
   if (!refusal.empty()) throw CommandError("source " + word + " cannot be used: " + refusal);
   return "OpenCallLogPage(broadsoft_calllog_" + std::to_string(index) + ")";
 }
@@ -72,8 +75,9 @@ void Server(Console& console, Arguments& arguments) {
   const std::string source = arguments.Word("the source");
   CallLogSimpleListData page = ParsePage(arguments, 20);
   const bool refresh = ParseEither(arguments.Option("refresh", "off"), "on", "off");
+  const std::string query = QueryFor(arguments.Option("query"));
   const int result = Controller().GetLogListByClickAction(
-      &page, SourceAction(source), QueryFor(arguments.Option("query")), refresh);
+      &page, SourceAction(source, !query.empty()), query, refresh);
   if (result != NS_CALLLOG::BS_LIST_OK) return console.Say(Explain(result));
   PrintCallList(console.out, "source " + Printable(source), page);
 }
@@ -134,11 +138,18 @@ void DisplayName(Console& console, Arguments& arguments) {
   Controller().ReloadBSCallLogConfig();
 }
 
+std::string WhatItHas(const std::string& path, const LogServer& server) {
+  std::string names;
+  for (const std::string& name : server.Documents()) names += (names.empty() ? "" : ", ") + name;
+  return "the log server has no " + path + "; it has " + (names.empty() ? "nothing" : names);
+}
+
 void MisbehaveAs(Console& console, Arguments& arguments) {
   const std::string path = arguments.Word("the path");
   const std::string behaviour = arguments.Word("how");
   arguments.Done();
   if (console.logServer == nullptr) throw CommandError("this phone has no log server of its own");
+  if (!console.logServer->Has(path)) throw CommandError(WhatItHas(path, *console.logServer));
   try {
     console.logServer->Misbehave(path, ParseBehaviour(behaviour));
   } catch (const std::invalid_argument& error) {

@@ -54,22 +54,42 @@ std::string WhyUnusableField(const BroadSoftConfigItem& source, std::string_view
   return {};
 }
 
+// What a server is made of: a scheme with "://", a host, a path.
+struct ServerParts {
+  explicit ServerParts(std::string_view server) {
+    const std::size_t end = server.find("://");
+    const std::size_t start = end == server.npos ? 0 : end + 3;
+    const std::size_t pathStart = std::min(server.find('/', start), server.size());
+    scheme = server.substr(0, start);
+    host = server.substr(start, pathStart - start);
+    path = server.substr(pathStart);
+  }
+
+  std::string_view scheme, host, path;
+};
+
+std::string PortPart(const BroadSoftConfigItem& source) {
+  return source.port.empty() ? "" : ":" + source.port;
+}
+
 }  // namespace
 
+std::string SourceUrl(const BroadSoftConfigItem& source) {
+  if (source.server.empty()) return {};
+  const ServerParts server(source.server);
+  std::string url(server.scheme.empty() ? "http://" : server.scheme);
+  if (!source.user_name.empty()) url += source.user_name + ":" + source.password + "@";
+  return url.append(server.host).append(PortPart(source)).append(server.path);
+}
+
 std::string WhyUnusable(const BroadSoftConfigItem& source) {
-  const std::string_view server = source.server;
-  const std::size_t scheme = server.find("://");
-  const std::size_t start = scheme == server.npos ? 0 : scheme + 3;
-  const std::size_t end = std::min(server.find('/', start), server.size());
-  const std::string refusal = WhyUnusableField(source, server.substr(start, end - start));
+  const std::string refusal = WhyUnusableField(source, ServerParts(source.server).host);
   if (!refusal.empty()) return refusal;
   if (!source.port.empty() && !WholeNumber(source.port, 1, kLastPort)) {
     return "the port must be a number from 1 to 65535, not \"" + Printable(source.port) + "\"";
   }
-  const std::string port = source.port.empty() ? "" : ":" + source.port;
-  const std::string url = std::string(source.server).insert(end, port);
-  if (!server.empty() && !SplitUrl((start == 0 ? "http://" : "") + url)) {
-    return "nothing can be fetched from \"" + Printable(source.server + port) + "\"";
+  if (!source.server.empty() && !SplitUrl(SourceUrl(source))) {
+    return "nothing can be fetched from \"" + Printable(source.server + PortPart(source)) + "\"";
   }
   return {};
 }

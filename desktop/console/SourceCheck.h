@@ -12,4 +12,7 @@ namespace desk {
 // Why not, in one line; empty when it can. Fields that are still empty are no reason.
 std::string WhyUnusable(const BroadSoftConfigItem& source);
 
+// The URL that the module fetches the source from; empty when it has no server.
+std::string SourceUrl(const BroadSoftConfigItem& source);
+
 }  // namespace desk

@@ -108,6 +108,14 @@ bool Phone::AwaitTransfers() {
   }
 }
 
+News Phone::NewsOf(Message message) {
+  if (message.message != MSG_BS_CALLLOG_DOWNLOADED) return message;
+  ListFetched list{CString(message.extra), {}};
+  const std::string failure = platform_.transfers.TakeFailure(list.url);
+  if (message.lParam != 0) list.error = failure.empty() ? "it is no call log" : failure;
+  return list;
+}
+
 std::vector<News> Phone::TakeNews() {
   std::vector<News> news;
   if (std::exchange(wasOpen_, false)) news.emplace_back(RootWasOpen());
@@ -118,7 +126,9 @@ std::vector<News> Phone::TakeNews() {
     news.emplace_back(saved);
   }
   for (const auto outcome : std::exchange(guardNotes_, {})) news.emplace_back(outcome);
-  for (Message& message : platform_.loop.TakeAppMessages()) news.emplace_back(std::move(message));
+  for (Message& message : platform_.loop.TakeAppMessages()) {
+    news.push_back(NewsOf(std::move(message)));
+  }
   return news;
 }
 

@@ -19,15 +19,19 @@
 namespace desk {
 
 // What the phone has to tell, one thing each: the display as it is now, a save by itself, what the
-// guard of the history had to do, a message to the application; and that the root was open to
-// other users, once, at the start.
+// guard of the history had to do, a server list, another message to the application; and that the
+// root was open to other users, once, at the start.
 struct RootWasOpen {};
 struct HistorySaved {
   std::uintmax_t bytes = 0;
   std::error_code error;  // the file cannot be looked at
 };
-using News =
-    std::variant<RootWasOpen, Display, HistorySaved, NS_GUARD::HistoryGuard::Outcome, Message>;
+struct ListFetched {
+  std::string url;
+  std::string error;  // empty: the list is there
+};
+using News = std::variant<RootWasOpen, Display, HistorySaved, NS_GUARD::HistoryGuard::Outcome,
+                          ListFetched, Message>;
 
 class Phone {
  public:
@@ -70,6 +74,7 @@ class Phone {
  private:
   void PowerOn();
   NS_GUARD::HistoryGuard::Outcome NoteGuard(NS_GUARD::HistoryGuard::Outcome outcome);
+  News NewsOf(Message message);
   void OnHandled(const Message& message, int result);
 
   RootDirectory root_;

@@ -60,6 +60,7 @@ bool TransferService::Start(Transfer& transfer) {
   const std::future<void> ended = transfer.download->ended.get_future();
   thread_->Start(transfer.download);
   transfer.state = Transfer::State::kRunning;
+  failures_.erase(transfer.remoteUrl);
   if (transfer.sync) ended.wait();
   return true;
 }
@@ -83,7 +84,10 @@ void TransferService::Complete(unsigned int id) {
   transfer->download.reset();  // a failed one leaves nothing behind
   transfer->state = error.empty() ? Transfer::State::kSucceeded : Transfer::State::kFailed;
   if (!error.empty()) {
-    Quietly([&] { trace_.Write(2, "transfer of " + transfer->remoteUrl + " failed: " + error); });
+    Quietly([&] {
+      failures_[transfer->remoteUrl] = error;
+      trace_.Write(2, "transfer of " + transfer->remoteUrl + " failed: " + error);
+    });
   }
   if (transfer->callback == nullptr) return;
   ETL_MsgQueueHelper::msgObject message;
@@ -131,6 +135,11 @@ Transfer* TransferService::FindEnded(unsigned int id) const {
   Transfer* const transfer = Find(id);
   const bool ended = transfer != nullptr && transfer->state > Transfer::State::kRunning;
   return ended ? transfer : nullptr;
+}
+
+std::string TransferService::TakeFailure(const std::string& remoteUrl) {
+  const auto failure = failures_.extract(remoteUrl);
+  return failure.empty() ? "" : failure.mapped();
 }
 
 std::size_t TransferService::Running() const {

@@ -3,6 +3,7 @@
 // here belongs. The functions that modules call are in TaskAction.cpp.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -65,6 +66,9 @@ class TransferService {
   // The action that has ended under this id; null when it is gone.
   Transfer* FindEnded(unsigned int id) const;
 
+  // Why the last transfer from `remoteUrl` failed, told once; empty when it did not.
+  std::string TakeFailure(const std::string& remoteUrl);
+
   // The transfers that have not been completed yet.
   std::size_t Running() const;
 
@@ -89,7 +93,8 @@ class TransferService {
   const TransferLimits limits_;
   unsigned int lastId_ = 0;
   bool holding_ = false;
-  std::vector<unsigned int> held_;  // ids of the transfers that have ended
+  std::vector<unsigned int> held_;               // ids of the transfers that have ended
+  std::map<std::string, std::string> failures_;  // by remote URL
   std::vector<std::unique_ptr<Transfer>> transfers_;
   std::unique_ptr<TransferThread> thread_;  // from the first transfer on
 };

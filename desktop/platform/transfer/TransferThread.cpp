@@ -66,6 +66,7 @@ void SetRequest(const Download& download) {
   const TransferUrl& url = download.url;
   Set(download, CURLOPT_URL, url.address.c_str());
   Set(download, CURLOPT_PROTOCOLS_STR, "http,https");  // of redirects, too
+  Set(download, CURLOPT_USERAGENT, "deskphone/" DESKPHONE_VERSION);
   Set(download, CURLOPT_PROXY, "");  // whatever the environment says: it would see the credentials
   Set(download, CURLOPT_FAILONERROR, 1L);
   Set(download, CURLOPT_FOLLOWLOCATION, 1L);
@@ -84,6 +85,8 @@ void SetLimits(const Download& download) {
 
 void SetCallbacks(Download& download) {
   Set(download, CURLOPT_NOSIGNAL, 1L);
+  Set(download, CURLOPT_QUICK_EXIT, 1L);  // nobody waits for a name server that stays silent
+  Set(download, CURLOPT_ERRORBUFFER, download.reason.data());
   Set(download, CURLOPT_NOPROGRESS, 0L);
   Set(download, CURLOPT_XFERINFOFUNCTION, OnProgress);
   Set(download, CURLOPT_XFERINFODATA, &download);
@@ -95,16 +98,39 @@ void SetCallbacks(Download& download) {
   Set(download, CURLOPT_WRITEDATA, &download);
 }
 
+long InfoOf(const Download& download, CURLINFO what) {
+  long value = 0;
+  curl_easy_getinfo(download.handle.get(), what, &value);
+  return value;
+}
+
+std::string StatusText(long status) {
+  switch (status) {
+    case 401: return "wrong user or wrong password (401)";
+    case 403: return "not allowed (403)";
+    case 404: return "no such page (404)";
+    default: return Format("the server answers with status %ld", status);
+  }
+}
+
 // Why it failed; empty when it did not.
 std::string ErrorOf(Download& download, CURLcode result) {
   if (!download.error.empty()) return download.error;
-  if (result == CURLE_HTTP_RETURNED_ERROR) {
-    long status = 0;
-    curl_easy_getinfo(download.handle.get(), CURLINFO_RESPONSE_CODE, &status);
-    return Format("status %ld", status);
+  switch (result) {
+    case CURLE_OK: return download.file.Close() ? "" : ErrorText("cannot write", errno);
+    case CURLE_HTTP_RETURNED_ERROR: return StatusText(InfoOf(download, CURLINFO_RESPONSE_CODE));
+    case CURLE_TOO_MANY_REDIRECTS: return "too many redirects";
+    case CURLE_COULDNT_CONNECT:
+      if (const long error = InfoOf(download, CURLINFO_OS_ERRNO)) {
+        return ErrorText("no connection", static_cast<int>(error));
+      }
+      break;
+    default: break;
   }
-  if (result != CURLE_OK) return curl_easy_strerror(result);
-  return download.file.Close() ? "" : ErrorText("cannot write", errno);
+  // Where a redirect has led, libcurl's own words can be those of the server's header.
+  const bool redirected = InfoOf(download, CURLINFO_REDIRECT_COUNT) > 0;
+  if (redirected || download.reason[0] == '\0') return curl_easy_strerror(result);
+  return download.reason.data();
 }
 
 // libcurl is set up once, before the first transfer.

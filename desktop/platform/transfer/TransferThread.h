@@ -4,6 +4,7 @@
 
 #include <curl/curl.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -43,6 +44,7 @@ struct Download {
   std::size_t bytes = 0;
   std::optional<SteadyClock::time_point> lastByte;  // none as long as there is no connection
   std::string error;
+  std::array<char, CURL_ERROR_SIZE> reason{};  // libcurl's words for it
 };
 
 class TransferThread {

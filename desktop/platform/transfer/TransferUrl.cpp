@@ -81,4 +81,8 @@ std::string EscapeQuery(const std::string& text) {
   return Owned(curl_easy_escape(nullptr, text.data(), static_cast<int>(text.size())));
 }
 
+std::string UnescapeQuery(const std::string& text) {
+  return Owned(curl_easy_unescape(nullptr, text.data(), static_cast<int>(text.size()), nullptr));
+}
+
 }  // namespace desk

@@ -27,5 +27,7 @@ std::string MaskCredentials(std::string_view text);
 
 // `text` as it can stand in a query: it arrives at the server as it is, whatever it holds.
 std::string EscapeQuery(const std::string& text);
+// Up to its first NUL.
+std::string UnescapeQuery(const std::string& text);
 
 }  // namespace desk

@@ -135,6 +135,44 @@ TEST_F(SourceCommandTest, AnUnusableSourceIsRefusedAndChangesNothing) {
   }
 }
 
+TEST_F(SourceCommandTest, NewsNameTheSourceAndSayWhy) {
+  const std::filesystem::path documents = root.path() / "documents";
+  std::filesystem::create_directory(documents);
+  WriteFile(documents / "Missed.xml", "<Missed/>");
+  WriteFile(documents / "Text", "no list");
+  LogServer server({documents, "", "", 0});
+  server.Start();
+  console.logServer = &server;
+  const std::string address = "127.0.0.1:" + std::to_string(server.port());
+  const std::string fails = "  * a server list could not be fetched: ";
+  const struct {
+    const char* name;
+    std::string server, query, news;
+  } kRows[] = {
+      {"Office", address + "/Missed", "", "  * a server list is there: Office\n"},
+      {"Office", address + "/Missed", "Anna M",
+       "  * a server list is there: Office, for \"Anna M\"\n"},
+      {"", address + "/Missed", "B", "  * a server list is there: source 0, for \"B\"\n"},
+      {"Office", address + "/None", "", fails + "Office: no such page (404)\n"},
+      {"Office", address + "/Text", "", fails + "Office: it is no call log\n"},
+      {"Office", "127.0.0.1:1", "", fails + "Office: no connection: Connection refused\n"},
+  };
+  for (const auto& row : kRows) {
+    Do(std::string("source 0 server=") + row.server + " name=" + row.name);
+    Do("server 0 \"query=" + row.query + "\"");
+    EXPECT_EQ(Do("await"), row.news);
+  }
+  Do("server 0 refresh=on");
+  Do("source 0 server=elsewhere");
+  EXPECT_EQ(Do("await"), fails + "http://127.0.0.1:1: no connection: Connection refused\n");
+  Do("source 0 server=h/p?a=b");
+  EXPECT_EQ(Do("server 0 query=x").rfind("source 0 cannot be used: its server holds a \"?\"", 0),
+            0u);
+  EXPECT_EQ(Do("misbehave /Mised cut"), "the log server has no /Mised; it has Missed.xml, Text");
+  EXPECT_EQ(Do("misbehave Missed cut").rfind("the log server has no Missed;", 0), 0u);
+  EXPECT_EQ(Do("misbehave /calls/Missed cut"), "");
+}
+
 // Of every byte, and of what means something in a URL: just what arrives is let through.
 TEST_F(SourceCommandTest, AUserAndAPasswordArriveWholeOrAreRefused) {
   Strings texts = {"?name=", "?name", "://", "\u00E9", "%41", "@h", ":@:"};

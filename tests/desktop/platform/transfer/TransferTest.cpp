@@ -111,17 +111,17 @@ TEST_F(TransferTest, FailsForManyReasons) {
     TransferLimits limits;
     const char* error;  // empty: it succeeds
   } kRows[] = {
-      {"/Missed", {Kind::kStatus, 401, {}}, usual, "status 401"},
-      {"/None", {}, usual, "status 404"},
-      {"/Missed", {Kind::kCut, 0, {}}, usual, "Transferred a partial file"},
+      {"/Missed", {Kind::kStatus, 401, {}}, usual, "wrong user or wrong password (401)"},
+      {"/None", {}, usual, "no such page (404)"},
+      {"/Missed", {Kind::kCut, 0, {}}, usual, "transfer closed with"},
       {"/Full", {}, usual, ""},
       {"/Big", {}, usual, "the document is too long"},
       {"/Missed", {Kind::kEndless, 0, {}}, {100000, 10, 15, 60, 5}, "the document is too long"},
       {"/Missed", {Kind::kStall, 0, {}}, {1000, 10, 1, 60, 5}, "no byte for 1 s"},
       {"/Missed", {Kind::kHold, 0, {}}, {1000, 10, 1, 60, 5}, "no byte for 1 s"},
-      {"/Missed", {Kind::kHold, 0, {}}, {1000, 10, 15, 1, 5}, "Timeout was reached"},
+      {"/Missed", {Kind::kHold, 0, {}}, {1000, 10, 15, 1, 5}, "Operation timed out"},
       {"/Missed", {Kind::kPage, 0, {}}, usual, ""},
-      {"/a", {Kind::kRedirect, 0, "/Missed"}, {1000, 10, 15, 60, 0}, "Number of redirects hit"},
+      {"/a", {Kind::kRedirect, 0, "/Missed"}, {1000, 10, 15, 60, 0}, "too many redirects"},
       {"/a", {Kind::kRedirect, 0, "/Missed"}, {1000, 10, 15, 60, 1}, ""},
       {"/a",
        {Kind::kRedirect, 0, "file://" + root.path().string() + "/private"},
@@ -129,9 +129,18 @@ TEST_F(TransferTest, FailsForManyReasons) {
        "Unsupported protocol"},
       {"/a", {Kind::kRedirect, 0, ftpUrl}, usual, "Unsupported protocol"},
       // The other server knows the same user, but must not be told.
-      {"/a", {Kind::kRedirect, 0, at("localhost", other)}, usual, "status 401"},
-      {"/a", {Kind::kRedirect, 0, at("127.0.0.1", other)}, usual, "status 401"},
-      {"/a", {Kind::kRedirect, 0, at("localhost", server)}, usual, "status 401"},
+      {"/a",
+       {Kind::kRedirect, 0, at("localhost", other)},
+       usual,
+       "wrong user or wrong password (401)"},
+      {"/a",
+       {Kind::kRedirect, 0, at("127.0.0.1", other)},
+       usual,
+       "wrong user or wrong password (401)"},
+      {"/a",
+       {Kind::kRedirect, 0, at("localhost", server)},
+       usual,
+       "wrong user or wrong password (401)"},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.path + std::string(" ") + row.error + " " + row.behaviour.location);
@@ -226,6 +235,7 @@ TEST_F(TransferTest, TrustsOnlyAServerThatSomebodyVouchesForUnderItsName) {
     serving.join();
     EXPECT_EQ(completion.document, succeeds ? "Missed" : kBefore);
     EXPECT_EQ(request.find("GET /Missed "), succeeds ? 0u : request.npos) << request;
+    EXPECT_EQ(request.find("User-Agent: deskphone/1") != request.npos, succeeds) << request;
     const Strings trace = TakeJournal({"trace"});
     EXPECT_EQ(trace.size(), succeeds ? 0u : 1u);
     for (const std::string& line : trace) EXPECT_NE(line.find(row.error), line.npos) << line;
