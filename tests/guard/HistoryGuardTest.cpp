@@ -229,6 +229,8 @@ TEST_F(HistoryGuardTest, StartsTheModuleAgainThatLoadedTooLittle) {
   EXPECT_EQ(Found(), (Files{{"", kCalls}, {".good", kCalls}, {".aside-1", 1}, {".aside-2", 1}}));
   ExpectGoesOn(kCalls);
   EXPECT_EQ(Start([] { return RestartHistory() - 1; }), Outcome::kHeld) << "one call is missing";
+  EXPECT_EQ(Start([&] { return WriteFile(Beside(".held"), ""), RestartHistory(); }),
+            Outcome::kHeld);
 }
 
 TEST_F(HistoryGuardTest, HoldsOnceWhatCannotBeRead) {

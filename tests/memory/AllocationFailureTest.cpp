@@ -84,12 +84,12 @@ class AllocationFailureTest : public PhoneTest {
     return call;
   }
 
-  // A phone with two calls of each type, saved and new, and nothing filled.
+  // A phone with three calls of each type, saved and new, and nothing filled.
   void Prepare(const Operation& operation) {
     CCallLogController::ReleaseInstance();
     std::filesystem::remove(HistoryFile());
     for (int type = 1; type <= 4; ++type) {
-      for (const char* number : {"61", "62"}) CallLog_AddLog(LongCall(type, number));
+      for (const char* number : {"61", "62", "6\u00E9"}) CallLog_AddLog(LongCall(type, number));
     }
     WaitForSave();
     TakeJournal({});
@@ -139,7 +139,7 @@ class AllocationFailureTest : public PhoneTest {
   // seen.
   Strings State() const {
     Strings state = filled.Rows();
-    for (const std::string& key : {Long("Caller 62"), std::string("Caller 6")}) {
+    for (const std::string& key : {Long("Caller 62"), std::string("22")}) {
       Filled shown;
       CallLog_Search(&shown.hits, key);
       Controller().GetMissedNotifyList(&shown.missed);

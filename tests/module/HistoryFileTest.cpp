@@ -168,7 +168,7 @@ TEST_F(HistoryFileTest, WrittenBySomebodyElseGivesTheCallsInIt) {
 }
 
 const std::map<int, Strings> kNumbers = {
-    {0, {"", " ", "-", "seven", "7x", "7.5", "0x7", "+-7", "7 ", "\xC3"}},
+    {0, {"", " 7", "-", "seven", "7x", "7.5", "0x7", "+-7", "7 ", "\xC3"}},
     {7, {"7", "007", "+7"}},
     {-5, {"-5", "-05"}},
     {INT_MAX, {"2147483647", "2147483648", std::string(4000, '9')}},
@@ -176,7 +176,8 @@ const std::map<int, Strings> kNumbers = {
 };
 
 const std::pair<std::string, std::string> kNames[] = {
-    {"&lt;&gt;&amp;&quot;&apos;&#65;&#x42;&#xe9;&#x1F600;", "<>&\"'AB\u00E9\U0001F600"},
+    {"&lt;&gt;&amp;&quot;" + Repeat("&apos;", 9999) + "&#65;&#x42;&#xe9;&#x1F600;",
+     "<>&\"" + Repeat("'", 9999) + "AB\u00E9\U0001F600"},
     {"&#0;&#1;&#xD800;&#xFFFE;&#99999999999999999999;", Repeat("\uFFFD", 5)},
     {"&foo; & b &#; &#65 &#x &", "&foo; & b &#; &#65 &#x &"},
     {"a<b\n\r\nc\xEF\xBF\xBE\xC3", "a<b\n\r\nc\uFFFD\uFFFD"}};

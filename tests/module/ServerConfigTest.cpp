@@ -91,7 +91,7 @@ TEST_F(ServerConfigTest, ADamagedFileLeavesNoSourceAndIsNotWritten) {
     SCOPED_TRACE(damaged.substr(0, 99));
     WriteFile(file(), good);
     EXPECT_TRUE(Logs().ReloadBSCallLogConfig());
-    ExpectConfigured(true);
+    SetSource(0, "/Missed");  // is saved now
     WriteFile(file(), damaged);
     expectRefused();
     EXPECT_EQ(ReadFile(file()), damaged);

@@ -151,6 +151,7 @@ TEST_F(ServerListTest, AQueryIsAListOfItsOwn) {
   }
   EXPECT_EQ(Ask(0), BS_LIST_OK);
   EXPECT_EQ(server.Requests("/Missed"), 3);
+  EXPECT_EQ(Fetch(0, "?x").at(0).substr(2), Url("/Missed") + "?name=?x");
 }
 
 enum Mind { kCancels, kCancelsAndAsks, kRefreshes, kRefreshesNothing };
@@ -241,8 +242,8 @@ const std::pair<std::string, Strings> ServerListTest::kDocuments[] = {
               "<callLogsentry/><callLogsEntry2/>"),
      {"|2||"}},
     {"<Missed/>", {}},
-    {"<?xml version='1.0' encoding='iso-8859-1'?><a>" + Named("Ren\xE9\x80") + "</a>",
-     {"Ren\u00E9\u20AC|||"}},
+    {"<?xml version='1.0' encoding='iso-8859-1'?><a>" + Named("\xA0Ren\xE9\x80") + "</a>",
+     {"\u00A0Ren\u00E9\u20AC|||"}},
     {"<?XML encoding=\"Latin1\"><a>" + Named("\x93\xE9\x90\x94 \u00E9") + "</a>",
      {"\u201C\u00E9" + kBad + "\u201D \u00C3\u00A9|||"}},
     {"<?xml version='1.0' encoding='ISO-8859-1'?><a>" + Named("Ren\u00E9 \u20AC\x01\uFFFF") +
