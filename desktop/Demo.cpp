@@ -52,11 +52,7 @@ bool HoldsHistory(const fs::path& root) {
 DemoRoot::DemoRoot(const fs::path& named, Use use)
     : path_(named), goes_(named.empty() && use != Use::kKept) {
   const fs::path own = fs::absolute(RootDirectory::Default());
-  if (goes_) {
-    path_ = MakeTemporary();
-  } else if (named.empty()) {
-    path_ = own.string() + "-demo";
-  }
+  if (named.empty()) path_ = goes_ ? MakeTemporary() : fs::path(own.string() + "-demo");
   const auto refuse = [this](const char* why) {
     throw RootError("cannot use " + path_.string() + ": " + why);
   };

@@ -119,12 +119,18 @@ int UsePhone(const Options& options, desk::Console& console, desk::Signals& sign
   return wrong;
 }
 
-int RunPhone(const Options& options, desk::Signals& signals) {
-  const bool scripted = !options.importing && !options.script.empty();
+// The profile's time zone is in force then.
+desk::Profile SetUpProfile(const Options& options, bool scripted) {
   const desk::Profile profile =
       options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
   const std::string zone = profile.timezone.empty() && scripted ? "UTC0" : profile.timezone;
   if (!zone.empty()) desk::SetTimeZone(zone);
+  return profile;
+}
+
+int RunPhone(const Options& options, desk::Signals& signals) {
+  const bool scripted = !options.importing && !options.script.empty();
+  const desk::Profile profile = SetUpProfile(options, scripted);
   const fs::path start = fs::current_path();
   std::cerr << (options.importing ? "bringing calls into the phone in " : "deskphone in ")
             << fs::absolute(options.root).string() << "\n";
@@ -196,21 +202,25 @@ int RunPhoneUntilSignal(Options* options) {
   return cutShort ? kCutShort : status;
 }
 
+constexpr char kAbout[] =
+    "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
+    "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end\n"
+    "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script\n"
+    "or an import short; 2 when a script held wrong commands, or no call could be brought in.";
+
+std::string OneLine(const CLI::App*, const CLI::Error& error) {
+  return std::string("deskphone: ") + error.what() + "\n";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   // Nothing else is to be taken for a standard input that is closed.
   if (fcntl(STDIN_FILENO, F_GETFD) == -1) open("/dev/null", O_WRONLY);
   Options options;
-  CLI::App app(
-      "A desk phone's call log on a desktop. At a terminal it takes commands from the keyboard,\n"
-      "otherwise from standard input, on a manual clock. SIGHUP, SIGINT, SIGQUIT and SIGTERM end\n"
-      "it with everything saved. Exit status: 0; 1 when it cannot start, or a signal cut a script\n"
-      "or an import short; 2 when a script held wrong commands, or no call could be brought in.");
+  CLI::App app(kAbout);
   app.set_version_flag("--version", "deskphone " DESKPHONE_VERSION);
-  app.failure_message([](const CLI::App*, const CLI::Error& error) {
-    return std::string("deskphone: ") + error.what() + "\n";
-  });
+  app.failure_message(OneLine);
   AddOptions(&app, &options);
   AddImport(&app, &options);
   desk::ServerProgram server(&app);

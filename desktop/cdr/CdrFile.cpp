@@ -251,6 +251,13 @@ Columns FindLayout(const Fields& fields) {
               (tooFew ? ", too few for a call record" : ", in no known order")};
 }
 
+Fields InUtf8(Fields fields) {
+  if (!std::all_of(fields.begin(), fields.end(), IsUtf8)) {
+    std::transform(fields.begin(), fields.end(), fields.begin(), FromLatin1);
+  }
+  return fields;
+}
+
 CdrLeg ReadLeg(const Fields& fields) {
   const Columns row = FindLayout(fields);
   const std::optional<bool> answered = Answered(row[kDisposition]);
@@ -279,10 +286,7 @@ bool CdrFile::Next(CdrRow* row) try {
     while (HasLine(0) && IsBlank(ahead_.front())) UseUp(1);
     if (ahead_.empty()) return false;
     *row = {linesUsed_ + 1, {}, {}};
-    Fields fields = ReadRecord();
-    if (!std::all_of(fields.begin(), fields.end(), IsUtf8)) {
-      std::transform(fields.begin(), fields.end(), fields.begin(), FromLatin1);
-    }
+    const Fields fields = InUtf8(ReadRecord());
     if (IsHeader({fields, false}) || IsHeader({fields, true})) continue;
     row->leg = ReadLeg(fields);
     return true;

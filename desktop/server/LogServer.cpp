@@ -30,6 +30,12 @@ bool WriteSpaces(std::size_t /*offset*/, httplib::DataSink& sink) {
   return sink.write(spaces.data(), spaces.size());
 }
 
+// As a C string it would end there, and be another.
+bool HoldsNul(const httplib::Request& request) {
+  return request.target.find("%00") != std::string::npos ||
+         request.path.find('\0') != std::string::npos;
+}
+
 }  // namespace
 
 Behaviour ParseBehaviour(const std::string& text) {
@@ -217,9 +223,8 @@ void LogServer::Answer(const httplib::Request& request, httplib::Response& respo
     response.status = 405;
     return;
   }
-  if (request.target.find("%00") != std::string::npos ||
-      request.path.find('\0') != std::string::npos) {
-    response.status = 400;  // as a C string it would end there, and be another
+  if (HoldsNul(request)) {
+    response.status = 400;
     return;
   }
   const Behaviour behaviour = Arrive(request);

@@ -75,6 +75,16 @@ std::string SourceLine(const LogServer& server, const std::string& user) {
          " user=" + Word(user);
 }
 
+// What ends the server: blocked in every thread that comes, so that sigwait() gets it.
+sigset_t BlockEnds() {
+  sigset_t ends;
+  sigemptyset(&ends);
+  sigaddset(&ends, SIGINT);
+  sigaddset(&ends, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+  return ends;
+}
+
 }  // namespace
 
 ServerProgram::ServerProgram(CLI::App* program)
@@ -116,12 +126,7 @@ std::string ServerProgram::Password() const {
 
 int ServerProgram::Run() {
   settings_.password = Password();
-  // Blocked in every thread, so that sigwait() below gets them.
-  sigset_t ends;
-  sigemptyset(&ends);
-  sigaddset(&ends, SIGINT);
-  sigaddset(&ends, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+  const sigset_t ends = BlockEnds();
   LogServer server(settings_);
   server.Start();
   std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;

@@ -275,9 +275,11 @@ TEST_F(HistoryGuardTest, MakesTheFileItselfTheGoodCopyWhereThereIsNoRoomForTwo) 
   EXPECT_EQ(Found(), (Files{{".good", 1}}));
   EXPECT_EQ(Start(), Outcome::kPutBack);
   EXPECT_EQ(Size(), 1);
+}
 
-  // No way at all.
-  fs::remove(Good());
+TEST_F(HistoryGuardTest, SaysWhereNoCopyCanStand) {
+  EXPECT_EQ(Start(), Outcome::kGood);
+  Save();
   fs::create_directories(Good() / "a");
   EXPECT_EQ(SaveAndTell(), Outcome::kNotCopied);
   EXPECT_EQ(Start(), Outcome::kGood);

@@ -294,7 +294,7 @@ TEST_F(CallRecords, PassOverMarkAndHeaders) {
   EXPECT_EQ(Read("").rows, 0u);
 }
 
-TEST_F(CallRecords, TakeOtherSeparatorsCharactersAndTimesThatAllAreBad) {
+TEST_F(CallRecords, TakeOtherSeparatorsAndCharacters) {
   for (const char separator : {';', '\t'}) {
     std::string text = "#\n" + With(&Row::more, ",\"\"").Master();
     std::replace(text.begin(), text.end(), ',', separator);
@@ -303,6 +303,9 @@ TEST_F(CallRecords, TakeOtherSeparatorsCharactersAndTimesThatAllAreBad) {
   }
   const std::string named = With(&Row::clid, "\"\"\"Zo\xEB \xA9\"\" <200>\"").Master();
   EXPECT_EQ(Shown(Read(named)), Strings{"2 10 200 'Zoë ©' 0"});
+}
+
+TEST_F(CallRecords, NameTheTimesThatAreKnown) {
   std::string text = Row().Master();
   for (std::size_t at = 0; (at = text.find("2026-05-04", at)) != text.npos;) {
     text.replace(at, 10, "04.05.2026");

@@ -24,8 +24,8 @@ class CompletionTest : public testing::Test {
     Profile profile;
     profile.accounts = {Account(0, "100", "sip.example.org")};
     profile.contacts = {{"Anna Berg", {"612", "0171612"}, ""}, {"Bo", {"613"}, ""}};
-    phone_ = std::make_unique<Phone>(root.path() / "phone", profile,
-                                     std::make_unique<ManualClock>(0));
+    phone_ =
+        std::make_unique<Phone>(root.path() / "phone", profile, std::make_unique<ManualClock>(0));
   }
 
   TemporaryDirectory root;
@@ -38,7 +38,9 @@ TEST_F(CompletionTest, EachWordIsCompletedToWhatFitsThere) {
       {"hang", 0, {"hangup"}},
       {"list fo", 5, {"forwarded"}},
       {"call missed 61", 12, {"612", "613"}},
-      {"call missed anna", 12, {"0171612", "612"}},  // the contact's numbers, whatever their beginning
+      {"call missed anna",
+       12,
+       {"0171612", "612"}},  // the contact's numbers, whatever their beginning
       {"call missed 612 name=A se", 23, {"server="}},
       {"remove ", 7, {"all", "forwarded", "missed", "outgoing", "received"}},
       {"remove missed a", 14, {"all"}},

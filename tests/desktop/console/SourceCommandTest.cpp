@@ -190,6 +190,9 @@ TEST_F(SourceCommandTest, AUserAndAPasswordArriveWholeOrAreRefused) {
   }
 }
 
+constexpr const char* kQueries[] = {"C#",  "a&b", "\u00FC",        "Anna M",     "a+b",
+                                    "50%", "%41", "x@127.0.0.1:1", "a/b?name=c", ""};
+
 TEST_F(SourceCommandTest, AQueryArrivesAsItWasTyped) {
   LogServer server({root.path(), "", "", 0});
   server.Start();
@@ -201,10 +204,7 @@ TEST_F(SourceCommandTest, AQueryArrivesAsItWasTyped) {
   };
   for (const std::string path : {"/Missed", "/"}) {
     Do("source 0 server=" + address + (path == "/" ? "" : path));
-    for (const std::string typed : {"C#", "a&b", "\u00FC", "Anna M", "a+b", "50%", "%41",
-                                    "x@127.0.0.1:1", "a/b?name=c", ""}) {
-      EXPECT_EQ(asked(path, typed), typed);
-    }
+    for (const std::string typed : kQueries) EXPECT_EQ(asked(path, typed), typed);
     EXPECT_EQ(asked(path, "?name=%41&b=c"), "A");
   }
 }

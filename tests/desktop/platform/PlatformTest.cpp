@@ -43,7 +43,6 @@ TEST_F(PlatformTest, HandlersAreFoundByRangeAndRemovedByRangeAndFunction) {
   EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(15, 15, Note));
   EXPECT_TRUE(EtlMsgHandler_RegisterMsgHandle(20, 30, Note));
   EXPECT_FALSE(EtlMsgHandler_UnregisterMsgHandle(20, 31, Note));
-
   EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), 5) << "the first reply counts";
   EXPECT_EQ(TakeHandled(), Strings{"leaves"}) << "one handler removed itself and the next";
   EXPECT_EQ(platform->loop.Send({15, 1, -1, {}}), std::nullopt);
