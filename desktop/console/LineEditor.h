@@ -42,7 +42,7 @@ class LineEditor {
   void LeaveTerminal();
   void TakeTerminal();
   void RetakeTerminal();  // from somebody who may have left others
-  void TakeSize();  // the terminal has another now
+  void TakeSize();        // the terminal has another now
 
   // The lines before this one, the oldest first.
   void Remember(const std::string& line);
