@@ -78,7 +78,7 @@ LineEditor::LineEditor(const char* prompt, WaitForKey wait, Complete complete)
   el_set(editor_, EL_EDITOR, "emacs");
   el_set(editor_, EL_HIST, ::history, lines_);
   el_set(editor_, EL_GETCFN, ReadCharacter);
-  el_set(editor_, EL_ADDFN, "complete-word", "completes a word", OnTab);
+  el_wset(editor_, EL_ADDFN, L"complete-word", L"completes a word", OnTab);
   el_set(editor_, EL_BIND, "^I", "complete-word", nullptr);
   el_source(editor_, nullptr);
 }
