@@ -93,7 +93,9 @@ std::optional<std::string> LineEditor::Read() {
   TakeTerminal();
   const char* const line = el_gets(editor_, &length);
   if (line == nullptr || length <= 0) return std::nullopt;
-  return std::string(line, line[length - 1] == '\n' ? length - 1 : length);
+  std::string text(line, static_cast<std::size_t>(length));
+  if (text.back() == '\n') text.pop_back();
+  return text;
 }
 
 void LineEditor::HideLine() {
