@@ -72,7 +72,9 @@ TEST_F(ControllerTest, TheHandlerTakesTheSaveTimersMessageOnly) {
     platform->loop.Send({message, kSaveTimer, 0, {}});  // does not reach the handler
     EXPECT_EQ(Handle(message, kSaveTimer), 0);
   }
-  for (const int neighbour : {-1, 1}) platform->timers.Set(kSaveTimer + neighbour, Milliseconds(9));
+  for (const auto timer : {kSaveTimer - 1, kSaveTimer + 1}) {
+    platform->timers.Set(timer, Milliseconds(9));
+  }
   platform->Advance(Milliseconds(4999));
   EXPECT_EQ(results, (std::vector<int>{0, 0}));
   platform->Advance(Milliseconds(1));
