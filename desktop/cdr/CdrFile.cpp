@@ -22,6 +22,7 @@ namespace {
 
 using Fields = std::vector<std::string>;
 
+constexpr std::size_t kTextBytesMax = 1024;                 // of a name or number
 constexpr std::size_t kRowBytesMax = 16 * 1024 * 1024 + 1;  // with the end of its last line
 constexpr std::size_t kPartBytes = kRowBytesMax + 1;  // as much text shows that a row is too long
 constexpr std::size_t kRowLinesMax = 100;
@@ -273,6 +274,11 @@ CdrLeg ReadLeg(const Fields& fields) {
   leg.dst = Shown(row[kDst]);
   ReadCaller(row, &leg);
   ReadIds(row, &leg);
+  for (const std::string* text :
+       {&leg.channel, &leg.dstchannel, &leg.dst, &leg.src, &leg.callerName}) {
+    Check(text->size() <= kTextBytesMax, "a name or number is longer than 1 KB",
+          text->substr(0, 20));
+  }
   return leg;
 }
 

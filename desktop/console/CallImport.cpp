@@ -103,8 +103,7 @@ struct Outcome {
 
 Outcome Store(const CdrImport& import, Phone& phone) {
   Outcome outcome;
-  phone.Save();
-  ImportedCalls imported(phone.HistoryFile());
+  ImportedCalls imported(phone.HistoryFile().parent_path());
   for (const CdrCall& call : import.calls) {
     const bool before = imported.Has(call);
     const std::string refusal = before ? "" : phone.AddCall(call);
@@ -113,7 +112,7 @@ Outcome Store(const CdrImport& import, Phone& phone) {
     if (refusal.empty()) imported.Note(call);
   }
   if (phone.Save() == NS_GUARD::HistoryGuard::Outcome::kIncomplete) {
-    throw CommandError("the calls could not be saved; bring them in again when there is room");
+    throw CommandError("the calls are in the phone, but could not be saved");
   }
   if (!imported.Save()) {
     throw CommandError(std::string("what was brought in cannot be kept in mind: ") +

@@ -12,6 +12,7 @@
 #include "CallLog.h"
 #include "desktop/console/CallLists.h"
 #include "desktop/console/Commands.h"
+#include "desktop/platform/Text.h"
 #include "desktop/platform/contacts/TextMatch.h"
 
 namespace desk {
@@ -197,6 +198,9 @@ Completions Complete(const Console& console, const std::string& before) try {
   std::string begun = before.substr(found.begin);
   if (begun.rfind('"', 0) == 0) begun.erase(0, 1);
   found.words = CandidatesFor(console, SplitWords(before.substr(0, found.begin)), begun);
+  const auto unfit = [](const std::string& word) { return word != Printable(word); };
+  found.words.erase(std::remove_if(found.words.begin(), found.words.end(), unfit),
+                    found.words.end());
   std::transform(found.words.begin(), found.words.end(), found.words.begin(), Quoted);
   std::sort(found.words.begin(), found.words.end());
   found.words.erase(std::unique(found.words.begin(), found.words.end()), found.words.end());

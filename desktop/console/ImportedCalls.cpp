@@ -1,50 +1,52 @@
-// Reads the history's file and that of the hashes, and writes the latter.
+// What is in the history, and the file of the hashes.
 #include "desktop/console/ImportedCalls.h"
 
 #include <algorithm>
 #include <fstream>
 
+#include "CallTypes.h"
+#include "desktop/console/CallLists.h"
 #include "desktop/platform/PrivateFile.h"
 #include "desktop/platform/Text.h"
+#include "platform/SettingTime.h"
 
 namespace desk {
 namespace {
 
 constexpr std::size_t kRecordsMax = 100'000;
 
-// A call's line there but for the name, which a contact may have changed. One with a character that
-// XML writes otherwise is not found.
-std::string InHistory(const CdrCall& call) {
-  return Format("\t<item type=\"%d\" born_tick=\"%d\"", call.type, call.born_tick) +
-         " local_sip_name=\"" + call.local_sip_name + "\" local_sip_server=\"" +
-         call.local_sip_server + "\" remote_sip_name=\"" + call.remote_sip_name +
-         "\" remote_sip_server=\"" + call.remote_sip_server +
-         Format("\" duration=\"%d\"/>", call.duration);
+std::string Key(int type, const std::string& number, const std::string& server,
+                const std::string& time) {
+  return std::to_string(type) + " " + time + " " + number + "@" + server;
 }
 
-std::set<std::string> ReadHistory(const std::filesystem::path& file) {
+// Asked call by call: opening a list would mark its calls seen.
+std::set<std::string> CallsInHistory() {
   std::set<std::string> calls;
-  std::ifstream lines(file);
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t name = line.find(" remote_display_name=");
-    const std::size_t rest = line.rfind(" remote_sip_name=");
-    if (rest != line.npos && name < rest) calls.insert(line.erase(name, rest - name));
+  for (int type = NS_CALLLOG::kOutgoing; type <= NS_CALLLOG::kForwarded; ++type) {
+    CallLogDetailData detail;
+    const std::string action = ListAction(TypeName(type));
+    for (int row = 0; History().GetLogDetailByClickAction(&detail, action, row) == 1; ++row) {
+      calls.insert(Key(type, detail.number, detail.server, detail.time_text));
+    }
   }
   return calls;
 }
 
 }  // namespace
 
-ImportedCalls::ImportedCalls(const std::filesystem::path& history)
-    : file_(history.parent_path() / "imported_calls"), inHistory_(ReadHistory(history)) {
+ImportedCalls::ImportedCalls(const std::filesystem::path& folder)
+    : file_(folder / "imported_calls"), inHistory_(CallsInHistory()) {
   PrivateFile::RemoveLeft(file_);
+  if (!IsOwnFile(file_)) return;
   std::ifstream file(file_);
   for (std::uint64_t record = 0; file >> std::hex >> record;) records_.push_back(record);
   known_.insert(records_.begin(), records_.end());
 }
 
 bool ImportedCalls::Has(const CdrCall& call) const {
-  return inHistory_.count(InHistory(call)) != 0 ||
+  return inHistory_.count(Key(call.type, call.remote_sip_name, call.remote_sip_server,
+                              Setting_Time2String(call.born_tick, " "))) != 0 ||
          std::any_of(call.records.begin(), call.records.end(),
                      [this](std::uint64_t record) { return known_.count(record) != 0; });
 }

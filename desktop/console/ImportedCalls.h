@@ -13,12 +13,12 @@
 
 namespace desk {
 
-// A file beside the history, `imported_calls`: a hash a line for each record of these calls, the
-// newest 100,000 in the order in which they came.
+// The calls that the history holds, and a file `imported_calls` beside its own: a hash a line for
+// each record, the newest 100,000 in the order in which they came.
 class ImportedCalls {
  public:
-  // Of this history, which must have been saved.
-  explicit ImportedCalls(const std::filesystem::path& history);
+  // Of the phone that is on; `folder` holds the file.
+  explicit ImportedCalls(const std::filesystem::path& folder);
 
   // Noted by an earlier import: two calls of one file may look the same.
   bool Has(const CdrCall& call) const;

@@ -42,12 +42,17 @@ std::size_t CharactersIn(const std::string& text) {
   return std::mbstowcs(nullptr, text.c_str(), 0);
 }
 
+bool IsText(const std::string& text) {
+  return std::mbstowcs(nullptr, text.c_str(), 0) != static_cast<std::size_t>(-1);
+}
+
 std::string CommonBeginning(const std::vector<std::string>& words) {
   std::string common = words.front();
   for (const std::string& word : words) {
     const auto end = std::mismatch(common.begin(), common.end(), word.begin(), word.end()).first;
     common.erase(end, common.end());
   }
+  while (!IsText(common)) common.pop_back();  // of a character that they share in part
   return common;
 }
 
@@ -90,6 +95,7 @@ LineEditor::~LineEditor() {
 
 std::optional<std::string> LineEditor::Read() {
   int length = 0;
+  if (std::exchange(hasOldSize_, false)) el_resize(editor_);
   TakeTerminal();
   const char* const line = el_gets(editor_, &length);
   if (line == nullptr || length <= 0) return std::nullopt;
@@ -126,7 +132,14 @@ void LineEditor::RetakeTerminal() {
   TakeTerminal();
 }
 
-void LineEditor::TakeSize() { el_resize(editor_); }
+void LineEditor::TakeSize() {
+  const LineInfoW& line = *el_wline(editor_);
+  const ScreenSize size = TerminalSize();
+  const int width = static_cast<int>(prompt_.size()) + WidthOf(line.buffer, line.lastchar);
+  const bool fits = width / size.columns + 1 < size.rows;
+  if (fits) el_resize(editor_);
+  hasOldSize_ = !fits;
+}
 
 void LineEditor::Remember(const std::string& line) {
   HistEvent event;
@@ -178,9 +191,11 @@ unsigned char LineEditor::CompleteWord() {
   const Completions found = complete_(before);
   if (found.words.empty()) return CC_ERROR;
   const std::string begun = before.substr(found.begin);
+  const bool only = found.words.size() == 1;
   std::string word = CommonBeginning(found.words);
-  if (found.words.size() == 1 && word.back() != '/') word += " ";
-  if (word == begun) {
+  if (only && word.back() != '/') word += " ";
+  const bool goesOn = word.size() > begun.size() && word.rfind(begun, 0) == 0;
+  if (!only && !goesOn) {
     std::cout << "\n";
     PrintWords(found.words);
     return CC_REDISPLAY;

@@ -42,7 +42,9 @@ class LineEditor {
   void LeaveTerminal();
   void TakeTerminal();
   void RetakeTerminal();  // from somebody who may have left others
-  void TakeSize();        // the terminal has another now
+  // The terminal has another size now. The editor cannot shrink below the line that it holds: it
+  // goes on as before until the next line then.
+  void TakeSize();
 
   // The lines before this one, the oldest first.
   void Remember(const std::string& line);
@@ -60,6 +62,7 @@ class LineEditor {
   Complete complete_;
   history* lines_;
   editline* editor_;
+  bool hasOldSize_ = false;
 };
 
 }  // namespace desk

@@ -9,10 +9,18 @@
 namespace desk {
 namespace {
 
+// What is shown of a line: up to a password.
+std::string WithoutPassword(const std::string& line) {
+  constexpr char kOption[] = "password=";
+  const std::size_t at = line.find(kOption);
+  return at == line.npos ? line : line.substr(0, at) + kOption + "***";
+}
+
 // False for a wrong line.
 bool RunLine(Console& console, const std::string& line, const std::string& place,
              std::ostream& errors) {
-  console.out << (line.empty() || line.front() == '#' ? "" : "phone> ") << Printable(line) << "\n";
+  console.out << (line.empty() || line.front() == '#' ? "" : "phone> ")
+              << Printable(WithoutPassword(line)) << "\n";
   try {
     RunCommand(console, line);
     return true;

@@ -17,7 +17,8 @@ namespace {
 void Config(Console& console, Arguments& arguments) {
   auto& config = console.phone.platform().config;
   if (!arguments.HasWord()) {
-    for (const auto& [key, value] : config) console.Say(key + " = " + std::to_string(value));
+    for (const auto& [key, value] : config)
+      console.Say(Printable(key) + " = " + std::to_string(value));
     return;
   }
   const std::string key = arguments.Word("the key");
@@ -43,7 +44,7 @@ void AccountSwitch(Console& console, Arguments& arguments) {
   if (arguments.HasWord()) SetAccount(accounts, arguments);
   Table rows;
   for (const Account& account : accounts.All()) {
-    rows.push_back({std::to_string(account.id), account.FullName(),
+    rows.push_back({std::to_string(account.id), Printable(account.FullName()),
                     std::string("usable ") + OnOff(account.usable),
                     std::string("keeps missed calls ") + OnOff(account.keeps_missed)});
   }

@@ -27,7 +27,7 @@ std::string DescribeTalk(Phone& phone) {
   if (!call) return dialScreen ? "dial screen: " + Printable(*dialScreen) : "no call";
   return "calling " + Printable(call->name) + ", " + Printable(call->number) + ", through " +
          (call->accountId < 0 ? "the default account"
-                              : FindAccount(phone, call->accountId).FullName()) +
+                              : Printable(FindAccount(phone, call->accountId).FullName())) +
          "; \"hangup\" ends it";
 }
 

@@ -65,6 +65,8 @@ bool MayHoldPassword(const std::string& line) {
 class Terminal {
  public:
   Terminal(Console& console, Signals& signals) : console_(console), signals_(signals) {
+    PrivateFile::RemoveLeft(kHistoryFile);
+    if (!IsOwnFile(kHistoryFile)) return;
     std::ifstream file(kHistoryFile);
     for (std::string line; std::getline(file, line);) editor_.Remember(line);
   }

@@ -20,6 +20,11 @@ std::string NameBeside(const fs::path& target) { return "." + target.filename().
 
 }  // namespace
 
+bool IsOwnFile(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(std::filesystem::symlink_status(path, ignored));
+}
+
 PrivateFile::~PrivateFile() {
   if (!path_.empty()) unlink(path_.c_str());
 }

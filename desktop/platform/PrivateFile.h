@@ -8,6 +8,9 @@
 
 namespace desk {
 
+// Whether `path` is a plain file, and no link: what somebody else may have put there is not read.
+bool IsOwnFile(const std::filesystem::path& path);
+
 // Readable by its owner alone, under a name of its own beside the one that it is meant for. It
 // disappears unless it is moved there. All results false: errno tells why.
 class PrivateFile {

@@ -81,10 +81,9 @@ struct Line {
   std::string text;
 };
 
-// True when the next line goes on where `line` stops, in the way of 2.1.
-bool HasSoftBreak(std::string_view line) {
-  return !line.empty() && line.back() == '=' &&
-         Contains(Upper(line.substr(0, line.find(':'))), "QUOTED-PRINTABLE");
+// True for a property whose lines may end in a soft break, in the way of 2.1.
+bool IsQuotedPrintable(std::string_view line) {
+  return Contains(Upper(line.substr(0, line.find(':'))), "QUOTED-PRINTABLE");
 }
 
 // Without the blank ones.
@@ -92,15 +91,17 @@ std::vector<Line> UnfoldedLines(const std::string& text) {
   std::vector<Line> lines;
   std::istringstream input(text);
   std::string line;
+  bool mayBreak = false;
   for (std::size_t number = 1; std::getline(input, line); ++number) {
     if (number == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (!lines.empty() && HasSoftBreak(lines.back().text)) {
+    if (mayBreak && !lines.back().text.empty() && lines.back().text.back() == '=') {
       lines.back().text.pop_back();
       lines.back().text += line;
     } else if (!lines.empty() && !line.empty() && (line[0] == ' ' || line[0] == '\t')) {
       lines.back().text.append(line, 1);
     } else {
+      mayBreak = IsQuotedPrintable(line);
       lines.push_back({number, line});
     }
   }
