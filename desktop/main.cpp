@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -125,6 +127,9 @@ desk::Profile SetUpProfile(const Options& options, bool scripted) {
       options.profile.empty() ? DefaultProfile() : desk::LoadProfile(options.profile);
   const std::string zone = profile.timezone.empty() && scripted ? "UTC0" : profile.timezone;
   if (!zone.empty()) desk::SetTimeZone(zone);
+  const char* const inForce = std::getenv("TZ");
+  const bool isFile = inForce != nullptr && std::strchr(":/", *inForce) != nullptr;  // or empty
+  if (inForce != nullptr && !isFile) desk::SetTimeZone(inForce);  // which refuses what is none
   return profile;
 }
 
@@ -175,7 +180,8 @@ void AddImport(CLI::App* app, Options* options) {
   cdr->add_option("--extension", options->import.extension, "whose phone this is")->required();
   cdr->add_option("--server", options->import.server, "SIP server of both parties")
       ->capture_default_str();
-  cdr->fallthrough()->excludes(app->get_option("--demo"));
+  cdr->fallthrough();
+  for (const char* other : {"--demo", "--script"}) cdr->excludes(app->get_option(other));
 }
 
 // What `run` returns; an exception is reported.

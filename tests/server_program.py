@@ -65,7 +65,7 @@ def check_refusals(program):
 def check_serving(program, user, options, statuses):
     server = subprocess.Popen([*program, *options], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
     url, port = re.match(WELCOME, server.stdout.readline()).groups()
-    expect(options, server.stdout.readline(), f"source 0 name=Missed server=127.0.0.1/Missed port={port} user={user}\n")
+    expect(options, server.stdout.readline(), f"source 0 name=Missed server=127.0.0.1/Missed port={port}" + (f" user={user} password=\n" if user else "\n"))
     for password, status in statuses.items():
         expect((options, password), status_of(url, password), status)
     server.terminate()

@@ -27,7 +27,10 @@ class Terminal:
         if self.pid == 0:
             os.environ.update(TERM="xterm", LANG="C")
             os.execvp(PHONE[0], [*PHONE, *options])
-        fcntl.ioctl(self.fd, termios.TIOCSWINSZ, struct.pack("HHHH", ROWS, COLUMNS, 0, 0))
+        self.resize(ROWS)
+
+    def resize(self, rows):
+        fcntl.ioctl(self.fd, termios.TIOCSWINSZ, struct.pack("HHHH", rows, COLUMNS, 0, 0))
 
     def lines(self):
         return [line.rstrip() for line in self.screen.display]
@@ -94,10 +97,20 @@ def a_screen_at_a_time(terminal):
     terminal.expect(["    LED on   backlight on", "phone>"])
 
 
+def a_terminal_too_small_for_the_line(terminal):
+    terminal.type("x" * 200)
+    terminal.expect(wrapped("phone> " + "x" * 200))
+    terminal.resize(1)
+    terminal.type("y\x15last\n")
+    terminal.expect(["  last in 612, last out none", "phone>"])
+    terminal.resize(ROWS)
+
+
 with tempfile.TemporaryDirectory() as place:
     phone = Terminal("--root", place + "/root")
     phone.expect(['"help" lists the commands; "quit" leaves.', "phone>"])
-    for test in news_above_a_long_line, words_that_tab_completes, a_screen_at_a_time:
+    for test in news_above_a_long_line, words_that_tab_completes, a_screen_at_a_time, \
+            a_terminal_too_small_for_the_line:
         print(test.__name__, flush=True)
         test(phone)
         phone.type("\x15")

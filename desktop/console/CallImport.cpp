@@ -68,7 +68,7 @@ CdrImport Read(const CallImport& what, Console& console) {
   };
   CdrImport import = ReadCallRecords(file, {what.extension, what.server, progress});
   goOn();
-  if (file.bad()) throw CommandError("cannot read " + what.file + " to its end");
+  if (file.bad()) throw CommandError("cannot read " + input.name() + ": " + input.error());
   return import;
 }
 

@@ -112,8 +112,8 @@ struct Kind {
 constexpr Kind kKinds[] = {
     {"GROUP|COMMAND", HelpTopics},
     {"TYPE", TypeNames},
-    {"NAME", AccountNames},
-    {"KEY", ConfigKeys},
+    {"ACCOUNT", AccountNames},
+    {"SETTING", ConfigKeys},
     {"SOURCE", SourceRows},
     {"INDEX", SourceRows},
     {"FILE", Files},
@@ -169,13 +169,13 @@ Words CandidatesFor(const Console& console, const Words& line, const std::string
   const Syntax syntax = ReadSyntax(FindCommand(line.front()).arguments);
   const auto place =
       static_cast<std::size_t>(std::count_if(line.begin() + 1, line.end(), std::not_fn(IsOption)));
-  Words candidates = ThatBegin(syntax.options, begun);
-  if (place >= syntax.places.size()) return candidates;
-  for (const std::string& argument : syntax.places[place]) {
+  Words candidates;
+  for (const std::string& argument :
+       place < syntax.places.size() ? syntax.places[place] : Words()) {
     const Words words = WordsFor(argument, console, begun);
     candidates.insert(candidates.end(), words.begin(), words.end());
   }
-  return candidates;
+  return candidates.empty() ? ThatBegin(syntax.options, begun) : candidates;
 }
 
 // As it must be typed; a directory's end stays open.

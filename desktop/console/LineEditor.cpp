@@ -137,8 +137,11 @@ void LineEditor::TakeSize() {
   const ScreenSize size = TerminalSize();
   const int width = static_cast<int>(prompt_.size()) + WidthOf(line.buffer, line.lastchar);
   const bool fits = width / size.columns + 1 < size.rows;
-  if (fits) el_resize(editor_);
   hasOldSize_ = !fits;
+  if (!fits) return;
+  HideLine();  // as the terminal has wrapped it anew
+  el_resize(editor_);
+  ShowLine();
 }
 
 void LineEditor::Remember(const std::string& line) {

@@ -12,7 +12,7 @@ Pager::~Pager() { out_.rdbuf(&screen_); }
 
 Pager::int_type Pager::overflow(int_type letter) {
   if (over_ || letter == traits_type::eof()) return traits_type::not_eof(letter);
-  if (line_.empty() && size_.rows > 0 && row_ >= size_.rows - 1) {
+  if (line_.empty() && size_.rows > 2 && row_ >= size_.rows - 1) {
     row_ = 0;
     screen_.pubsync();
     over_ = !wantsMore_();

@@ -156,8 +156,9 @@ CommandGroup SettingCommands() {
       "phone",
       "The phone",
       {
-          {"config", "[KEY [VALUE]]", "configuration values, such as HistorySavedSwitch", Config},
-          {"account", "[NAME usable|missed on|off]",
+          {"config", "[SETTING [VALUE]]", "configuration values, such as HistorySavedSwitch",
+           Config},
+          {"account", "[ACCOUNT usable|missed on|off]",
            "the accounts; whether one can be used, and keeps missed calls", AccountSwitch},
           {"contacts", "", "the contact directory", ShowContacts},
           {"network", "[on|off]", "the network", Network},

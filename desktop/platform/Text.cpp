@@ -21,10 +21,9 @@ bool IsVisible(std::int32_t code) {
 // between two characters.
 bool Joins(std::int32_t before, std::int32_t code, std::string_view rest) {
   const bool isJoiner = code == 0x200C || code == 0x200D;
-  if (!isJoiner || rest.empty()) return false;
-  const std::int32_t next = TakeCharacter(&rest).code;
-  constexpr std::int32_t kAsciiEnd = 0x80;  // no number may hide one
-  return before >= kAsciiEnd && next >= kAsciiEnd && IsVisible(before) && IsVisible(next);
+  constexpr std::int32_t kAsciiEnd = 0x80;  // behind a digit it would hide in a number
+  return isJoiner && before >= kAsciiEnd && IsVisible(before) && !rest.empty() &&
+         IsVisible(TakeCharacter(&rest).code);
 }
 
 }  // namespace

@@ -64,15 +64,19 @@ std::string Word(const std::string& text) {
   return Printable(quoted + "\"");
 }
 
-// The first document as a source, but for those whose names a URL would read as something else.
-std::string SourceLine(const LogServer& server, const std::string& user) {
-  std::string name;
-  for (const std::string& document : server.Documents()) {
-    if (name.empty() && document.find_first_of("#?%") == document.npos) name = document;
+// The documents as a phone's sources, but for those whose names a URL would read as something else.
+// The password is for the user to add.
+void PrintSources(const LogServer& server, const std::string& user) {
+  constexpr int kSources = 6;
+  int index = 0;
+  for (const std::string& name : server.Documents()) {
+    if (index == kSources || name.find_first_of("#?%") != name.npos) continue;
+    std::cout << "source " << index++ << " name=" << Word(std::filesystem::path(name).stem())
+              << " server=" << Word("127.0.0.1/" + name) << " port=" << server.port();
+    if (!user.empty()) std::cout << " user=" << Word(user) << " password=";
+    std::cout << "\n";
   }
-  return "source 0 name=" + Word(std::filesystem::path(name).stem()) +
-         " server=" + Word("127.0.0.1/" + name) + " port=" + std::to_string(server.port()) +
-         " user=" + Word(user);
+  std::cout << (index == 0 ? "it holds no documents\n" : "") << std::flush;
 }
 
 // What ends the server: blocked in every thread that comes, so that sigwait() gets it.
@@ -130,7 +134,7 @@ int ServerProgram::Run() {
   LogServer server(settings_);
   server.Start();
   std::cout << "call logs on http://127.0.0.1:" << server.port() << "/" << std::endl;
-  std::cout << SourceLine(server, settings_.user) << std::endl;
+  PrintSources(server, settings_.user);
   int received = 0;
   sigwait(&ends, &received);
   return 0;

@@ -21,6 +21,7 @@ class CompletionTest : public testing::Test {
  protected:
   CompletionTest() {
     std::filesystem::create_directories(root.path() / "files/in here");
+    std::filesystem::create_directories(root.path() / "files/\x1B[2J");  // which nobody can type
     Profile profile;
     profile.accounts = {Account(0, "100", "sip.example.org")};
     profile.contacts = {{"Anna Berg", {"612", "0171612"}, ""}, {"Bo", {"613"}, ""}};
@@ -47,6 +48,7 @@ TEST_F(CompletionTest, EachWordIsCompletedToWhatFitsThere) {
       {"account 1", 8, {"100@sip.example.org"}},
       {"source 0 ", 9, {"name=", "password=", "port=", "server=", "user="}},
       {"cdr fil", 4, {"files/"}},
+      {"cdr files/", 4, {"\"files/in here/"}},
       {"cdr files/i", 4, {"\"files/in here/"}},
       {"cdr \"files/i", 4, {"\"files/in here/"}},
       {"cdr nowhere/", 4, {}},

@@ -85,6 +85,11 @@ class ScriptTest : public testing::Test {
   int wrong = 0;
 };
 
+TEST_F(ScriptTest, ThePasswordOfALineIsNotShown) {
+  const std::string shown = Run("source 0 server=h \"password=s3 cret\"\nsorce password=s3cret\n");
+  EXPECT_EQ(shown.find("s3"), shown.npos) << shown;
+}
+
 TEST_F(ScriptTest, WrongLinesAreNamedAndTheRestGoesOn) {
   Run(std::string("call missed 1\n") + kWrongLines + "call missed 4\r\nquit\ncall missed 5\n");
   EXPECT_EQ(wrong, 10);

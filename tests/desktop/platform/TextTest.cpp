@@ -15,6 +15,7 @@ TEST(TextTest, JoinersStayWhereTheyJoin) {
   EXPECT_EQ(desk::Printable("A\u200D"), std::string("A") + kJoiner);
   EXPECT_EQ(desk::Printable("A\u200D\u200DB"), std::string("A") + kJoiner + kJoiner + "B");
   EXPECT_EQ(desk::Printable("A \u200DB"), std::string("A ") + kJoiner + "B");
+  EXPECT_EQ(desk::Printable("61\u200D2"), std::string("61") + kJoiner + "2");
   EXPECT_EQ(desk::Printable("A\u202EB"), "A\\xE2\\x80\\xAEB");
 }
 
