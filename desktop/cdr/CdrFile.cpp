@@ -61,13 +61,6 @@ struct RecordParser : csv_parser {
 
 bool IsBlank(const std::string& line) { return line.find_first_not_of(" \t\n") == line.npos; }
 
-bool IsUtf8(std::string_view text) {
-  while (!text.empty()) {
-    if (TakeCharacter(&text).code < 0) return false;
-  }
-  return true;
-}
-
 std::string FromLatin1(const std::string& text) {
   std::string utf8;
   for (const char byte : text) {

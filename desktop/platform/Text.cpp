@@ -54,6 +54,13 @@ Character TakeCharacter(std::string_view* text) {
   return first;
 }
 
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (TakeCharacter(&text).code < 0) return false;
+  }
+  return true;
+}
+
 std::string Printable(std::string_view text) {
   std::string shown;
   std::int32_t before = 0;

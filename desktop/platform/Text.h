@@ -24,6 +24,8 @@ struct Character {
 // Takes the first character off `text`, which must not be empty.
 Character TakeCharacter(std::string_view* text);
 
+bool IsUtf8(std::string_view text);
+
 // `text` fit for a terminal: control characters become "\xNN", and so do invisible ones that join
 // nothing and malformed UTF-8 bytes.
 std::string Printable(std::string_view text);

@@ -4,7 +4,6 @@
 #include "desktop/platform/contacts/VCard.h"
 
 #include <iconv.h>
-#include <utf8proc.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,6 +12,8 @@
 #include <sstream>
 #include <string_view>
 #include <utility>
+
+#include "desktop/platform/Text.h"
 
 namespace desk {
 
@@ -30,12 +31,6 @@ std::string Upper(std::string_view text) {
 }
 
 bool Contains(std::string_view text, std::string_view part) { return text.find(part) != kNone; }
-
-bool IsUtf8(const std::string& text) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  const auto size = static_cast<utf8proc_ssize_t>(text.size());
-  return utf8proc_decompose(bytes, size, nullptr, 0, utf8proc_option_t{}) >= 0;
-}
 
 std::string DecodeQuotedPrintable(std::string_view text) {
   std::string decoded;
